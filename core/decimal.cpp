@@ -1,0 +1,642 @@
+#include "core/decimal.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+
+#include "core/wide_integer.h"
+
+namespace talvex::core {
+
+using wide::U128;
+using wide::U256;
+
+namespace {
+
+constexpr U128 kMantissaLimit = wide::kPow10[Decimal::kMaxDigits];  // 10^38
+
+const char* faultText(DecimalFault fault) noexcept {
+    switch (fault) {
+        case DecimalFault::Overflow:
+            return "the result is too large to represent";
+        case DecimalFault::Underflow:
+            return "the result is too small to represent";
+        case DecimalFault::DivideByZero:
+            return "division by zero";
+    }
+    return "decimal arithmetic fault";
+}
+
+[[nodiscard]] U128 mantissaOf(const Decimal& d) noexcept {
+    return wide::make128(d.mantissaHigh(), d.mantissaLow());
+}
+
+[[nodiscard]] Decimal make(U128 mantissa, int exponent, bool negative) noexcept {
+    return Decimal{wide::high(mantissa), wide::low(mantissa), exponent, negative, false};
+}
+
+// Rounds an exact magnitude to a Decimal. `n` is the integer part of |x| / 10^exponent: callers
+// either pass an exact value or one that loses at least one digit here. Halves round away from
+// zero, which depends only on the first digit removed, so the fraction below n never matters.
+// A result needing an exponent below the minimum is rounded at the minimum exponent instead.
+[[nodiscard]] Decimal roundExact(const U256& n, long exponent, bool negative) {
+    if (n.isZero()) {
+        return Decimal::zero();
+    }
+    if (n.fits128() && n.low128() < kMantissaLimit && exponent >= Decimal::kMinExponent &&
+        exponent <= Decimal::kMaxExponent) {
+        return make(n.low128(), static_cast<int>(exponent), negative);
+    }
+    const int digits = wide::digitCount(n);
+    long drop = digits > Decimal::kMaxDigits ? digits - Decimal::kMaxDigits : 0;
+    if (exponent + drop < Decimal::kMinExponent) {
+        drop = Decimal::kMinExponent - exponent;
+    }
+    U128 mantissa = 0;
+    if (drop > 0) {
+        U128 kept = 0;
+        std::uint64_t firstDropped = 0;
+        if (drop - 1 < digits) {
+            const U256 shifted = wide::dividePow10(n, static_cast<int>(drop - 1));
+            kept = wide::divideSmall(shifted, 10, firstDropped).low128();
+        }
+        mantissa = kept + (firstDropped >= 5 ? 1 : 0);
+        exponent += drop;
+        if (mantissa == kMantissaLimit) {
+            mantissa = wide::pow10(Decimal::kMaxDigits - 1);
+            exponent += 1;
+        }
+        if (mantissa == 0) {
+            throw DecimalError(DecimalFault::Underflow);
+        }
+    } else {
+        mantissa = n.low128();
+    }
+    if (exponent > Decimal::kMaxExponent) {
+        const long extra = exponent - Decimal::kMaxExponent;
+        if (wide::digitCount(mantissa) + extra > Decimal::kMaxDigits) {
+            throw DecimalError(DecimalFault::Overflow);
+        }
+        mantissa *= wide::pow10(static_cast<int>(extra));
+        exponent = Decimal::kMaxExponent;
+    }
+    return make(mantissa, static_cast<int>(exponent), negative);
+}
+
+// Removes trailing zeros while the exponent allows; used on exact quotients so that 6/3 is
+// stored as 2 rather than as 2 followed by 38 zeros.
+[[nodiscard]] Decimal stripTrailingZeros(const Decimal& d) noexcept {
+    U128 m = mantissaOf(d);
+    int e = d.exponent();
+    if (m == 0) {
+        return d;
+    }
+    for (int step : {16, 8, 4, 2, 1}) {
+        const U128 p = wide::pow10(step);
+        while (e + step <= Decimal::kMaxExponent && m % p == 0) {
+            m /= p;
+            e += step;
+        }
+    }
+    return make(m, e, d.isNegative());
+}
+
+// Compares |a| and |b| for nonzero finite values.
+[[nodiscard]] int compareMagnitude(const Decimal& a, const Decimal& b) noexcept {
+    const U128 ma = mantissaOf(a);
+    const U128 mb = mantissaOf(b);
+    const int ea = a.exponent();
+    const int eb = b.exponent();
+    if (ea == eb) {
+        return ma == mb ? 0 : (ma < mb ? -1 : 1);
+    }
+    const int topA = ea + wide::digitCount(ma);
+    const int topB = eb + wide::digitCount(mb);
+    if (topA != topB) {
+        return topA < topB ? -1 : 1;
+    }
+    // Same leading position: the operand with the larger exponent has fewer digits and can be
+    // scaled up without leaving 128 bits.
+    if (ea > eb) {
+        const U128 scaled = ma * wide::pow10(ea - eb);
+        return scaled == mb ? 0 : (scaled < mb ? -1 : 1);
+    }
+    const U128 scaled = mb * wide::pow10(eb - ea);
+    return ma == scaled ? 0 : (ma < scaled ? -1 : 1);
+}
+
+// a + b or a - b of two nonzero finite values, signs already resolved: `bNegative` is the sign
+// with which b enters the sum.
+[[nodiscard]] Decimal addNonzero(const Decimal& a, const Decimal& b, bool bNegative) {
+    const Decimal* big = &a;
+    const Decimal* small = &b;
+    bool bigNegative = a.isNegative();
+    bool smallNegative = bNegative;
+    if (a.exponent() < b.exponent()) {
+        std::swap(big, small);
+        std::swap(bigNegative, smallNegative);
+    }
+    const U128 mBig = mantissaOf(*big);
+    const U128 mSmall = mantissaOf(*small);
+    const int shift = big->exponent() - small->exponent();
+    const int exponent = small->exponent();
+    const bool sameSign = bigNegative == smallNegative;
+
+    const int digitsBig = wide::digitCount(mBig);
+    if (digitsBig + shift <= Decimal::kMaxDigits) {
+        // Both fit 128 bits once aligned: the usual case for whole numbers and probabilities.
+        const U128 aligned = mBig * wide::pow10(shift);
+        if (sameSign) {
+            const U128 sum = aligned + mSmall;
+            if (sum < kMantissaLimit) {
+                return make(sum, exponent, bigNegative);
+            }
+            return roundExact(U256::from128(sum), exponent, bigNegative);
+        }
+        if (aligned == mSmall) {
+            return Decimal::zero();
+        }
+        return aligned > mSmall ? make(aligned - mSmall, exponent, bigNegative)
+                                : make(mSmall - aligned, exponent, smallNegative);
+    }
+    // The smaller operand lies entirely below the 40th digit of the larger one: it cannot move
+    // the rounded result, so the larger operand is the answer.
+    const int gap = digitsBig + shift - wide::digitCount(mSmall);
+    if (gap >= 40) {
+        return make(mBig, big->exponent(), bigNegative);
+    }
+    // Here the aligned larger operand has at most 77 digits, which 256 bits hold; it also has
+    // more digits than the smaller one, so a difference keeps the larger operand's sign.
+    U256 scaledBig = U256::from128(mBig);
+    for (int remaining = shift; remaining > 0;) {
+        const int step = remaining < 38 ? remaining : 38;
+        scaledBig = wide::multiply(scaledBig, wide::pow10(step));
+        remaining -= step;
+    }
+    const U256 other = U256::from128(mSmall);
+    const U256 exact = sameSign ? wide::add(scaledBig, other) : wide::subtract(scaledBig, other);
+    return roundExact(exact, exponent, bigNegative);
+}
+
+}  // namespace
+
+DecimalError::DecimalError(DecimalFault fault)
+    : std::runtime_error(faultText(fault)), m_fault(fault) {}
+
+Decimal Decimal::decimalNumberWithMantissa(std::uint64_t mantissa, int exponent, bool isNegative) {
+    const long e = std::clamp(static_cast<long>(exponent), -100000L, 100000L);
+    return roundExact(U256::from128(mantissa), e, isNegative);
+}
+
+Decimal Decimal::decimalNumberWithInteger(std::int64_t value) noexcept {
+    const bool negative = value < 0;
+    const std::uint64_t magnitude = negative ? std::uint64_t{0} - static_cast<std::uint64_t>(value)
+                                             : static_cast<std::uint64_t>(value);
+    return Decimal{0, magnitude, 0, negative, false};
+}
+
+Decimal Decimal::decimalNumberWithString(std::string_view text) noexcept {
+    std::size_t i = 0;
+    const std::size_t n = text.size();
+    bool negative = false;
+    if (i < n && (text[i] == '+' || text[i] == '-')) {
+        negative = text[i] == '-';
+        ++i;
+    }
+    // Keep the first 38 significant digits and the first digit after them; the rest cannot
+    // change a rounding that sends halves away from zero.
+    U128 kept = 0;
+    int keptDigits = 0;
+    int firstDropped = 0;
+    long dropped = 0;     // significant digits beyond the kept ones
+    long afterPoint = 0;  // digits written after the point
+    bool anyDigit = false;
+    bool point = false;
+    for (; i < n; ++i) {
+        const char c = text[i];
+        if (c >= '0' && c <= '9') {
+            anyDigit = true;
+            const int digit = c - '0';
+            if (point) {
+                ++afterPoint;
+            }
+            if (keptDigits == 0 && digit == 0) {
+                continue;  // leading zero
+            }
+            if (keptDigits < kMaxDigits) {
+                kept = kept * 10 + static_cast<unsigned>(digit);
+                ++keptDigits;
+            } else {
+                if (dropped == 0) {
+                    firstDropped = digit;
+                }
+                ++dropped;
+            }
+        } else if (c == '.' && !point) {
+            point = true;
+        } else {
+            break;
+        }
+    }
+    if (!anyDigit) {
+        return notANumber();
+    }
+    long exponent = 0;
+    if (i < n) {
+        if (text[i] != 'e' && text[i] != 'E') {
+            return notANumber();
+        }
+        ++i;
+        bool exponentNegative = false;
+        if (i < n && (text[i] == '+' || text[i] == '-')) {
+            exponentNegative = text[i] == '-';
+            ++i;
+        }
+        if (i == n) {
+            return notANumber();
+        }
+        for (; i < n; ++i) {
+            if (text[i] < '0' || text[i] > '9') {
+                return notANumber();
+            }
+            if (exponent < 1000000) {
+                exponent = exponent * 10 + (text[i] - '0');
+            }
+        }
+        if (exponentNegative) {
+            exponent = -exponent;
+        }
+    }
+    if (kept == 0) {
+        return zero();
+    }
+    // Value = (kept.firstDropped...) x 10^(exponent - afterPoint + dropped).
+    long scale = exponent - afterPoint + dropped;
+    U256 exact = U256::from128(kept);
+    if (dropped > 0) {
+        exact = wide::add(wide::multiply(exact, 10),
+                          U256::from128(static_cast<unsigned>(firstDropped)));
+        scale -= 1;
+    }
+    scale = std::clamp(scale, -100000L, 100000L);
+    try {
+        return roundExact(exact, scale, negative);
+    } catch (const DecimalError& error) {
+        return error.fault() == DecimalFault::Underflow ? zero() : notANumber();
+    }
+}
+
+Decimal Decimal::decimalNumberWithDouble(double value) noexcept {
+    if (!std::isfinite(value)) {
+        return notANumber();
+    }
+    char buffer[64];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
+    return decimalNumberWithString(
+        std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
+}
+
+int Decimal::compare(const Decimal& other) const noexcept {
+    if (m_nan || other.m_nan) {
+        if (m_nan && other.m_nan) {
+            return 0;
+        }
+        return m_nan ? -1 : 1;
+    }
+    const int signA = isZero() ? 0 : (m_negative ? -1 : 1);
+    const int signB = other.isZero() ? 0 : (other.m_negative ? -1 : 1);
+    if (signA != signB) {
+        return signA < signB ? -1 : 1;
+    }
+    if (signA == 0) {
+        return 0;
+    }
+    const int magnitude = compareMagnitude(*this, other);
+    return signA > 0 ? magnitude : -magnitude;
+}
+
+Decimal Decimal::decimalNumberByAdding(const Decimal& other) const {
+    if (m_nan || other.m_nan) {
+        return notANumber();
+    }
+    if (other.isZero()) {
+        return *this;
+    }
+    if (isZero()) {
+        return other;
+    }
+    return addNonzero(*this, other, other.m_negative);
+}
+
+Decimal Decimal::decimalNumberBySubtracting(const Decimal& other) const {
+    if (m_nan || other.m_nan) {
+        return notANumber();
+    }
+    if (other.isZero()) {
+        return *this;
+    }
+    if (isZero()) {
+        return Decimal{other.m_hi, other.m_lo, other.m_exponent, !other.m_negative, false};
+    }
+    return addNonzero(*this, other, !other.m_negative);
+}
+
+Decimal Decimal::decimalNumberByMultiplyingBy(const Decimal& other) const {
+    if (m_nan || other.m_nan) {
+        return notANumber();
+    }
+    if (isZero() || other.isZero()) {
+        return zero();
+    }
+    const bool negative = m_negative != other.m_negative;
+    const long exponent = static_cast<long>(m_exponent) + other.m_exponent;
+    if (m_hi == 0 && other.m_hi == 0) {
+        const U128 product = static_cast<U128>(m_lo) * other.m_lo;
+        return roundExact(U256::from128(product), exponent, negative);
+    }
+    return roundExact(wide::multiply128(mantissaOf(*this), mantissaOf(other)), exponent, negative);
+}
+
+Decimal Decimal::decimalNumberByDividingBy(const Decimal& other) const {
+    if (m_nan || other.m_nan) {
+        return notANumber();
+    }
+    if (other.isZero()) {
+        throw DecimalError(DecimalFault::DivideByZero);
+    }
+    if (isZero()) {
+        return zero();
+    }
+    const bool negative = m_negative != other.m_negative;
+    const U128 a = mantissaOf(*this);
+    const U128 b = mantissaOf(other);
+    const int digitsA = wide::digitCount(a);
+    const int digitsB = wide::digitCount(b);
+    // Scale a so that the quotient has exactly 39 digits: one more than we keep, which is all
+    // that rounding halves away from zero needs.
+    const U128 leadA = a * wide::pow10(kMaxDigits - digitsA);
+    const U128 leadB = b * wide::pow10(kMaxDigits - digitsB);
+    const int scale = kMaxDigits - digitsA + digitsB + (leadA < leadB ? 1 : 0);
+    U256 numerator = U256::from128(a);
+    int remaining = scale;
+    while (remaining > 0) {
+        const int step = remaining < 38 ? remaining : 38;
+        numerator = wide::multiply(numerator, wide::pow10(step));
+        remaining -= step;
+    }
+    U256 quotient;
+    bool exact = false;
+    if (wide::high(b) == 0) {
+        std::uint64_t rem = 0;
+        quotient = wide::divideSmall(numerator, wide::low(b), rem);
+        exact = rem == 0;
+    } else {
+        quotient = wide::divideLarge(numerator, b, exact);
+    }
+    const long exponent = static_cast<long>(m_exponent) - other.m_exponent - scale;
+    const Decimal result = roundExact(quotient, exponent, negative);
+    return exact ? stripTrailingZeros(result) : result;
+}
+
+Decimal Decimal::decimalNumberByRaisingToPower(unsigned power) const {
+    if (m_nan) {
+        return notANumber();
+    }
+    Decimal result = one();
+    Decimal base = *this;
+    while (power != 0) {
+        if ((power & 1U) != 0) {
+            result = result * base;
+        }
+        power >>= 1U;
+        if (power != 0) {
+            base = base * base;
+        }
+    }
+    return result;
+}
+
+std::string Decimal::stringValue() const {
+    if (m_nan) {
+        return "NaN";
+    }
+    if (isZero()) {
+        return "0";
+    }
+    const U128 m = mantissaOf(*this);
+    char digits[48];
+    char* end = digits;
+    if (wide::high(m) == 0) {
+        end = std::to_chars(digits, digits + sizeof digits, wide::low(m)).ptr;
+    } else {
+        const U128 chunk = wide::pow10(19);
+        const auto top = static_cast<std::uint64_t>(m / chunk);
+        const auto bottom = static_cast<std::uint64_t>(m % chunk);
+        end = std::to_chars(digits, digits + sizeof digits, top).ptr;
+        char tail[20];
+        const char* tailEnd = std::to_chars(tail, tail + sizeof tail, bottom).ptr;
+        const auto tailLength = static_cast<std::size_t>(tailEnd - tail);
+        for (std::size_t k = tailLength; k < 19; ++k) {
+            *end++ = '0';
+        }
+        for (const char* p = tail; p != tailEnd; ++p) {
+            *end++ = *p;
+        }
+    }
+    long exponent = m_exponent;
+    while (end[-1] == '0') {
+        --end;
+        ++exponent;
+    }
+    const long length = end - digits;
+    std::string text;
+    text.reserve(static_cast<std::size_t>(length + std::labs(exponent) + 3));
+    if (m_negative) {
+        text.push_back('-');
+    }
+    if (exponent >= 0) {
+        text.append(digits, end);
+        text.append(static_cast<std::size_t>(exponent), '0');
+    } else if (length + exponent > 0) {
+        char* point = end + exponent;
+        text.append(digits, point);
+        text.push_back('.');
+        text.append(point, end);
+    } else {
+        text.append("0.");
+        text.append(static_cast<std::size_t>(-(length + exponent)), '0');
+        text.append(digits, end);
+    }
+    return text;
+}
+
+double Decimal::doubleValue() const noexcept {
+    if (m_nan) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    if (isZero()) {
+        return 0.0;
+    }
+    const U128 m = mantissaOf(*this);
+    constexpr U128 kExactLimit = U128{1} << 53;
+    static constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+    double value = 0.0;
+    if (m < kExactLimit && m_exponent >= -22 && m_exponent <= 22) {
+        // Both factors are exact doubles, so one correctly rounded operation gives the answer.
+        const auto mantissa = static_cast<double>(static_cast<std::uint64_t>(m));
+        value = m_exponent >= 0 ? mantissa * kExactPowers[m_exponent]
+                                : mantissa / kExactPowers[-m_exponent];
+    } else {
+        char text[64];
+        const std::string digits = make(m, 0, false).stringValue();
+        auto* end = std::copy(digits.begin(), digits.end(), text);
+        *end++ = 'e';
+        end = std::to_chars(end, text + sizeof text, static_cast<int>(m_exponent)).ptr;
+        std::from_chars(text, end, value);
+    }
+    return m_negative ? -value : value;
+}
+
+std::int64_t Decimal::longLongValue() const noexcept {
+    if (m_nan || isZero()) {
+        return 0;
+    }
+    const U128 m = mantissaOf(*this);
+    constexpr U128 kLimit = static_cast<U128>(std::numeric_limits<std::int64_t>::max()) + 1;
+    U128 whole = 0;
+    if (m_exponent >= 0) {
+        if (m_exponent >= 20 || m > kLimit / wide::pow10(m_exponent)) {
+            whole = kLimit;
+        } else {
+            whole = m * wide::pow10(m_exponent);
+        }
+    } else if (-m_exponent <= kMaxDigits) {
+        whole = m / wide::pow10(-m_exponent);
+    }
+    if (m_negative) {
+        return whole >= kLimit ? std::numeric_limits<std::int64_t>::min()
+                               : -static_cast<std::int64_t>(whole);
+    }
+    return whole >= kLimit ? std::numeric_limits<std::int64_t>::max()
+                           : static_cast<std::int64_t>(whole);
+}
+
+int Decimal::intValue() const noexcept {
+    const std::int64_t value = longLongValue();
+    return static_cast<int>(std::clamp<std::int64_t>(value, std::numeric_limits<int>::min(),
+                                                     std::numeric_limits<int>::max()));
+}
+
+Decimal Decimal::decimalRound(int scale, RoundingMode /*mode*/) const {
+    if (m_nan || isZero() || m_exponent >= -static_cast<long>(scale)) {
+        return *this;
+    }
+    const long target = -static_cast<long>(scale);
+    const long drop = target - m_exponent;  // at least one digit
+    const U128 m = mantissaOf(*this);
+    const int digits = wide::digitCount(m);
+    U128 kept = 0;
+    if (drop - 1 < digits) {
+        const U128 shifted = m / wide::pow10(static_cast<int>(drop - 1));
+        kept = shifted / 10 + (shifted % 10 >= 5 ? 1 : 0);
+    }
+    if (kept == 0) {
+        return zero();
+    }
+    return roundExact(U256::from128(kept), target, m_negative);
+}
+
+Decimal Decimal::roundToScale(int scale, RoundingMode mode, bool* changed) const {
+    const Decimal rounded = decimalRound(scale, mode);
+    const bool differs = rounded.compare(*this) != 0;
+    if (changed != nullptr) {
+        *changed = differs;
+    }
+    return differs ? rounded : *this;
+}
+
+Decimal Decimal::absoluteValueChanged(bool* negative, bool* zero) const {
+    const int sign = compare(Decimal::zero());
+    if (negative != nullptr) {
+        *negative = sign < 0;
+    }
+    if (zero != nullptr) {
+        *zero = sign == 0;
+    }
+    return sign < 0 ? Decimal::zero() - *this : *this;
+}
+
+}  // namespace talvex::core
+
+namespace talvex::core::wide {
+
+U256 divideLarge(const U256& n, U128 d, bool& remainderIsZero) noexcept {
+    // Knuth's algorithm D with 64-bit digits and a two-digit divisor.
+    const std::uint64_t d1 = high(d);
+    const std::uint64_t d0 = low(d);
+    const int shift = std::countl_zero(d1);
+    const std::uint64_t v1 = shift == 0 ? d1 : (d1 << shift) | (d0 >> (64 - shift));
+    const std::uint64_t v0 = d0 << shift;
+    std::array<std::uint64_t, 5> u{};
+    u[4] = shift == 0 ? 0 : n.limb[3] >> (64 - shift);
+    for (std::size_t i = 3; i >= 1; --i) {
+        u[i] = shift == 0 ? n.limb[i] : (n.limb[i] << shift) | (n.limb[i - 1] >> (64 - shift));
+    }
+    u[0] = n.limb[0] << shift;
+
+    U256 q;
+    constexpr U128 kBase = U128{1} << 64;
+    for (int jj = 2; jj >= 0; --jj) {
+        const auto j = static_cast<std::size_t>(jj);
+        const U128 top = make128(u[j + 2], u[j + 1]);
+        U128 qhat = top / v1;
+        U128 rhat = top - qhat * v1;
+        while (qhat >= kBase || qhat * v0 > make128(low(rhat), u[j])) {
+            --qhat;
+            rhat += v1;
+            if (rhat >= kBase) {
+                break;
+            }
+        }
+        const std::uint64_t qd = low(qhat);
+        // u[j..j+2] -= qd * (v1:v0)
+        U128 p = static_cast<U128>(qd) * v0;
+        std::uint64_t carry = high(p);
+        std::uint64_t t = u[j];
+        u[j] = t - low(p);
+        std::uint64_t borrow = t < low(p) ? 1 : 0;
+        p = static_cast<U128>(qd) * v1 + carry;
+        carry = high(p);
+        t = u[j + 1];
+        std::uint64_t diff = t - low(p);
+        std::uint64_t b1 = t < low(p) ? 1 : 0;
+        u[j + 1] = diff - borrow;
+        std::uint64_t b2 = diff < borrow ? 1 : 0;
+        borrow = b1 + b2;
+        t = u[j + 2];
+        diff = t - carry;
+        b1 = t < carry ? 1 : 0;
+        u[j + 2] = diff - borrow;
+        b2 = diff < borrow ? 1 : 0;
+        if ((b1 | b2) != 0) {
+            // The estimate was one too large: add the divisor back.
+            q.limb[j] = qd - 1;
+            U128 s = static_cast<U128>(u[j]) + v0;
+            u[j] = low(s);
+            s = static_cast<U128>(u[j + 1]) + v1 + high(s);
+            u[j + 1] = low(s);
+            u[j + 2] += high(s);
+        } else {
+            q.limb[j] = qd;
+        }
+    }
+    remainderIsZero = (u[0] | u[1]) == 0;
+    return q;
+}
+
+}  // namespace talvex::core::wide

@@ -1,0 +1,133 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace talvex::core {
+
+// Which range fault a plain Decimal operation ran into.
+enum class DecimalFault : std::uint8_t { Overflow, Underflow, DivideByZero };
+
+// Thrown by the plain arithmetic operations on a range fault. The calculation layers let it
+// pass; the request boundary (controller, command line) catches it and tells the user.
+class DecimalError : public std::runtime_error {
+  public:
+    explicit DecimalError(DecimalFault fault);
+    [[nodiscard]] DecimalFault fault() const noexcept { return m_fault; }
+
+  private:
+    DecimalFault m_fault;
+};
+
+// How a value is rounded to a scale. Talvex only ever rounds halves away from zero.
+enum class RoundingMode : std::uint8_t { Plain = 0 };
+
+// A decimal floating-point number: sign, up to 38 significant digits, exponent -128..127,
+// and one undefined value ("NaN") that equals itself and sorts below every number.
+// There is no infinity and no negative zero. Results of arithmetic are rounded to 38
+// significant digits, halves away from zero. The representation is not canonical
+// (1, 1.0 and 10E-1 are different bit patterns) but every comparison is numeric.
+class Decimal {
+  public:
+    static constexpr int kMaxDigits = 38;
+    static constexpr int kMinExponent = -128;
+    static constexpr int kMaxExponent = 127;
+
+    // Zero.
+    constexpr Decimal() noexcept = default;
+
+    [[nodiscard]] static constexpr Decimal zero() noexcept { return Decimal{}; }
+    [[nodiscard]] static constexpr Decimal one() noexcept { return Decimal{0, 1, 0, false, false}; }
+    [[nodiscard]] static constexpr Decimal notANumber() noexcept {
+        return Decimal{0, 0, 0, false, true};
+    }
+
+    // m x 10^e, rounded into range like any arithmetic result (so it may throw DecimalError).
+    [[nodiscard]] static Decimal decimalNumberWithMantissa(std::uint64_t mantissa, int exponent,
+                                                           bool isNegative);
+    [[nodiscard]] static Decimal decimalNumberWithInteger(std::int64_t value) noexcept;
+    // Digits, an optional sign, at most one "." and an optional exponent ("e" or "E"), whatever
+    // the locale. Anything else, or a value too large to represent, is undefined; a value too
+    // small to represent becomes zero. More than 38 digits are rounded. Never throws.
+    [[nodiscard]] static Decimal decimalNumberWithString(std::string_view text) noexcept;
+    // The shortest digits that read back as the same double (at most 17 significant digits);
+    // NaN, infinities and values too large to represent are undefined. Never throws.
+    [[nodiscard]] static Decimal decimalNumberWithDouble(double value) noexcept;
+
+    [[nodiscard]] bool isNotANumber() const noexcept { return m_nan; }
+    [[nodiscard]] bool isZero() const noexcept { return !m_nan && m_hi == 0 && m_lo == 0; }
+    [[nodiscard]] bool isNegative() const noexcept { return m_negative; }
+
+    // -1, 0 or +1. Undefined equals undefined and is below every number.
+    [[nodiscard]] int compare(const Decimal& other) const noexcept;
+
+    [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const;
+    [[nodiscard]] Decimal decimalNumberBySubtracting(const Decimal& other) const;
+    [[nodiscard]] Decimal decimalNumberByMultiplyingBy(const Decimal& other) const;
+    [[nodiscard]] Decimal decimalNumberByDividingBy(const Decimal& other) const;
+    // Integer power by repeated squaring, each product rounded to 38 digits; x^0 is one.
+    [[nodiscard]] Decimal decimalNumberByRaisingToPower(unsigned power) const;
+
+    // Plain text without exponent and without trailing zeros after the point; "NaN" if undefined.
+    [[nodiscard]] std::string stringValue() const;
+    // The nearest double; NaN if undefined.
+    [[nodiscard]] double doubleValue() const noexcept;
+    // Truncated toward zero, saturated to the type's range; 0 if undefined.
+    [[nodiscard]] int intValue() const noexcept;
+    [[nodiscard]] std::int64_t longLongValue() const noexcept;
+
+    // Rounds to `scale` digits after the point (a negative scale rounds to tens, hundreds, ...).
+    // Undefined stays undefined. Throws DecimalError only when rounding up leaves the range.
+    [[nodiscard]] Decimal decimalRound(int scale, RoundingMode mode = RoundingMode::Plain) const;
+    // As decimalRound; `changed` (if given) says whether the value changed.
+    [[nodiscard]] Decimal roundToScale(int scale, RoundingMode mode, bool* changed) const;
+    // |x|; `negative` (if given) is set when x is below zero (undefined included), `zero` when
+    // it equals zero.
+    [[nodiscard]] Decimal absoluteValueChanged(bool* negative, bool* zero) const;
+
+    [[nodiscard]] friend bool operator==(const Decimal& a, const Decimal& b) noexcept {
+        return a.compare(b) == 0;
+    }
+    [[nodiscard]] friend std::strong_ordering operator<=>(const Decimal& a,
+                                                          const Decimal& b) noexcept {
+        return a.compare(b) <=> 0;
+    }
+    [[nodiscard]] friend Decimal operator+(const Decimal& a, const Decimal& b) {
+        return a.decimalNumberByAdding(b);
+    }
+    [[nodiscard]] friend Decimal operator-(const Decimal& a, const Decimal& b) {
+        return a.decimalNumberBySubtracting(b);
+    }
+    [[nodiscard]] friend Decimal operator*(const Decimal& a, const Decimal& b) {
+        return a.decimalNumberByMultiplyingBy(b);
+    }
+    [[nodiscard]] friend Decimal operator/(const Decimal& a, const Decimal& b) {
+        return a.decimalNumberByDividingBy(b);
+    }
+
+    // Raw parts, for tests and for code that needs the representation.
+    [[nodiscard]] std::uint64_t mantissaHigh() const noexcept { return m_hi; }
+    [[nodiscard]] std::uint64_t mantissaLow() const noexcept { return m_lo; }
+    [[nodiscard]] int exponent() const noexcept { return m_exponent; }
+
+    // Internal: the parts must already be in range (mantissa below 10^38, exponent -128..127).
+    constexpr Decimal(std::uint64_t hi, std::uint64_t lo, int exponent, bool negative,
+                      bool nan) noexcept
+        : m_lo(lo),
+          m_hi(hi),
+          m_exponent(static_cast<std::int16_t>(exponent)),
+          m_negative(negative && (hi != 0 || lo != 0)),
+          m_nan(nan) {}
+
+  private:
+    std::uint64_t m_lo = 0;
+    std::uint64_t m_hi = 0;
+    std::int16_t m_exponent = 0;
+    bool m_negative = false;
+    bool m_nan = false;
+};
+
+}  // namespace talvex::core

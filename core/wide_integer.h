@@ -1,0 +1,209 @@
+#pragma once
+
+// Fixed-width unsigned integers of 128 and 256 bits for Decimal's exact intermediate results.
+// Internal to the core library: nothing here allocates, everything is constexpr-friendly.
+
+#include <array>
+#include <bit>
+#include <cstdint>
+
+namespace talvex::core::wide {
+
+__extension__ typedef unsigned __int128 U128;
+
+[[nodiscard]] constexpr std::uint64_t low(U128 x) noexcept { return static_cast<std::uint64_t>(x); }
+[[nodiscard]] constexpr std::uint64_t high(U128 x) noexcept {
+    return static_cast<std::uint64_t>(x >> 64);
+}
+[[nodiscard]] constexpr U128 make128(std::uint64_t hi, std::uint64_t lo) noexcept {
+    return (static_cast<U128>(hi) << 64) | lo;
+}
+
+// Four 64-bit limbs, least significant first.
+struct U256 {
+    std::array<std::uint64_t, 4> limb{};
+
+    [[nodiscard]] static constexpr U256 from128(U128 x) noexcept {
+        return U256{{low(x), high(x), 0, 0}};
+    }
+    [[nodiscard]] constexpr bool fits128() const noexcept { return limb[2] == 0 && limb[3] == 0; }
+    [[nodiscard]] constexpr U128 low128() const noexcept { return make128(limb[1], limb[0]); }
+    [[nodiscard]] constexpr bool isZero() const noexcept {
+        return (limb[0] | limb[1] | limb[2] | limb[3]) == 0;
+    }
+};
+
+[[nodiscard]] constexpr int compare(const U256& a, const U256& b) noexcept {
+    for (int i = 3; i >= 0; --i) {
+        const auto k = static_cast<std::size_t>(i);
+        if (a.limb[k] != b.limb[k]) {
+            return a.limb[k] < b.limb[k] ? -1 : 1;
+        }
+    }
+    return 0;
+}
+
+// a + b; the caller guarantees the sum fits.
+[[nodiscard]] constexpr U256 add(const U256& a, const U256& b) noexcept {
+    U256 r;
+    std::uint64_t carry = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const U128 s = static_cast<U128>(a.limb[i]) + b.limb[i] + carry;
+        r.limb[i] = low(s);
+        carry = high(s);
+    }
+    return r;
+}
+
+// a - b; the caller guarantees a >= b.
+[[nodiscard]] constexpr U256 subtract(const U256& a, const U256& b) noexcept {
+    U256 r;
+    std::uint64_t borrow = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const std::uint64_t x = a.limb[i];
+        const std::uint64_t d1 = x - b.limb[i];
+        const std::uint64_t b1 = x < b.limb[i] ? 1 : 0;
+        r.limb[i] = d1 - borrow;
+        const std::uint64_t b2 = d1 < borrow ? 1 : 0;
+        borrow = b1 + b2;
+    }
+    return r;
+}
+
+// a * b, keeping the low 256 bits; the caller guarantees the product fits.
+[[nodiscard]] constexpr U256 multiply(const U256& a, U128 b) noexcept {
+    const std::uint64_t b0 = low(b);
+    const std::uint64_t b1 = high(b);
+    U256 r;
+    std::uint64_t carry = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const U128 p = static_cast<U128>(a.limb[i]) * b0 + r.limb[i] + carry;
+        r.limb[i] = low(p);
+        carry = high(p);
+    }
+    if (b1 != 0) {
+        carry = 0;
+        for (std::size_t i = 0; i + 1 < 4; ++i) {
+            const U128 p = static_cast<U128>(a.limb[i]) * b1 + r.limb[i + 1] + carry;
+            r.limb[i + 1] = low(p);
+            carry = high(p);
+        }
+    }
+    return r;
+}
+
+[[nodiscard]] constexpr U256 multiply128(U128 a, U128 b) noexcept {
+    return multiply(U256::from128(a), b);
+}
+
+// (hi:lo) / d with hi < d, so that the quotient fits 64 bits.
+[[nodiscard]] inline std::uint64_t divide128By64(std::uint64_t hi, std::uint64_t lo,
+                                                 std::uint64_t d, std::uint64_t& rem) noexcept {
+#if defined(__x86_64__)
+    std::uint64_t q = 0;
+    std::uint64_t r = 0;
+    __asm__("divq %4" : "=a"(q), "=d"(r) : "a"(lo), "d"(hi), "rm"(d));
+    rem = r;
+    return q;
+#else
+    const U128 n = make128(hi, lo);
+    rem = static_cast<std::uint64_t>(n % d);
+    return static_cast<std::uint64_t>(n / d);
+#endif
+}
+
+// n / d for a 64-bit divisor; `rem` receives the remainder.
+[[nodiscard]] inline U256 divideSmall(const U256& n, std::uint64_t d, std::uint64_t& rem) noexcept {
+    U256 q;
+    std::uint64_t r = 0;
+    for (int i = 3; i >= 0; --i) {
+        const auto k = static_cast<std::size_t>(i);
+        if (r == 0 && n.limb[k] < d) {
+            r = n.limb[k];
+            continue;
+        }
+        q.limb[k] = divide128By64(r, n.limb[k], d, r);
+    }
+    rem = r;
+    return q;
+}
+
+// n / d for a divisor of 65 to 128 bits (long division on 64-bit limbs, normalised divisor).
+// `remainderIsZero` tells whether the division was exact.
+[[nodiscard]] U256 divideLarge(const U256& n, U128 d, bool& remainderIsZero) noexcept;
+
+constexpr int kPow10Count128 = 39;  // 10^0 .. 10^38
+constexpr int kPow10Count256 = 78;  // 10^0 .. 10^77
+
+[[nodiscard]] consteval std::array<U128, kPow10Count128> makePow10Table128() {
+    std::array<U128, kPow10Count128> t{};
+    U128 v = 1;
+    for (auto& x : t) {
+        x = v;
+        v *= 10;
+    }
+    return t;
+}
+
+[[nodiscard]] consteval std::array<U256, kPow10Count256> makePow10Table256() {
+    std::array<U256, kPow10Count256> t{};
+    U256 v = U256::from128(1);
+    for (auto& x : t) {
+        x = v;
+        v = multiply(v, 10);
+    }
+    return t;
+}
+
+inline constexpr std::array<U128, kPow10Count128> kPow10 = makePow10Table128();
+inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256();
+
+[[nodiscard]] constexpr U128 pow10(int k) noexcept { return kPow10[static_cast<std::size_t>(k)]; }
+
+[[nodiscard]] constexpr int bitLength(U128 x) noexcept {
+    return high(x) != 0 ? 128 - std::countl_zero(high(x)) : 64 - std::countl_zero(low(x));
+}
+
+// Number of decimal digits of x (0 for zero).
+[[nodiscard]] constexpr int digitCount(U128 x) noexcept {
+    if (x == 0) {
+        return 0;
+    }
+    int d = (bitLength(x) * 1233) >> 12;  // floor(bits * log10(2)), never too high
+    while (d < kPow10Count128 && x >= kPow10[static_cast<std::size_t>(d)]) {
+        ++d;
+    }
+    return d;
+}
+
+[[nodiscard]] constexpr int digitCount(const U256& x) noexcept {
+    if (x.fits128()) {
+        return digitCount(x.low128());
+    }
+    int bits = 0;
+    for (int i = 3; i >= 0; --i) {
+        const auto k = static_cast<std::size_t>(i);
+        if (x.limb[k] != 0) {
+            bits = 64 * i + 64 - std::countl_zero(x.limb[k]);
+            break;
+        }
+    }
+    int d = (bits * 1233) >> 12;
+    while (d < kPow10Count256 && compare(x, kPow10Wide[static_cast<std::size_t>(d)]) >= 0) {
+        ++d;
+    }
+    return d;
+}
+
+// floor(n / 10^k) for any k >= 0.
+[[nodiscard]] inline U256 dividePow10(U256 n, int k) noexcept {
+    std::uint64_t rem = 0;
+    while (k > 0 && !n.isZero()) {
+        const int step = k < 19 ? k : 19;
+        n = divideSmall(n, static_cast<std::uint64_t>(pow10(step)), rem);
+        k -= step;
+    }
+    return n;
+}
+
+}  // namespace talvex::core::wide
