@@ -262,7 +262,7 @@ Decimal Decimal::decimalNumberWithString(std::string_view text) noexcept {
             if (text[i] < '0' || text[i] > '9') {
                 return notANumber();
             }
-            if (exponent < 1000000) {
+            if (exponent < 1000000000000000L) {
                 exponent = exponent * 10 + (text[i] - '0');
             }
         }

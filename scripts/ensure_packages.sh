@@ -36,4 +36,5 @@ talvex_ensure_packages() {
 }
 
 # Everything the build, the tests and the benchmarks use.
-TALVEX_BUILD_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev)
+TALVEX_BUILD_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev
+    libcli11-dev nlohmann-json3-dev)

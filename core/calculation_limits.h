@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace talvex::core {
+
+// Thrown when a calculation would need more memory or time than an interactive calculator
+// should spend (a die with a hundred million faces, a million dice). Like DecimalError it
+// passes through the calculation layers and the request boundary tells the user.
+class CalculationTooLarge : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// Outcomes of one profile (a single die, for instance).
+inline constexpr std::size_t kMaxOutcomes = 1'000'000;
+// Outcome pairs of one combination of two profiles.
+inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
+// Dice in one dice text.
+inline constexpr long kMaxDice = 100'000;
+
+}  // namespace talvex::core

@@ -1,0 +1,226 @@
+#include "expressions/dice_expression.h"
+
+#include <array>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "core/calculation_limits.h"
+
+namespace talvex::language {
+
+using core::Decimal;
+using core::Evaluation;
+
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::array<char, 5> kLetterPriority = {'d', 'c', 'p', 'v', 'w'};
+
+// Position of the notation letter: the first "d" if any, else the first "c", and so on.
+std::size_t findLetter(std::string_view text) {
+    for (const char letter : kLetterPriority) {
+        if (const auto position = text.find(letter); position != std::string_view::npos) {
+            return position;
+        }
+    }
+    return std::string_view::npos;
+}
+
+// The value of leading decimal digits, the largest 32-bit value if it does not fit.
+std::int32_t readCount(std::string_view digits) {
+    std::int64_t value = 0;
+    for (const char c : digits) {
+        if (c < '0' || c > '9') {
+            break;
+        }
+        value = value * 10 + (c - '0');
+        if (value > std::numeric_limits<std::int32_t>::max()) {
+            return std::numeric_limits<std::int32_t>::max();
+        }
+    }
+    return static_cast<std::int32_t>(value);
+}
+
+bool hasLetter(std::string_view text, char letter) {
+    return text.find(letter) != std::string_view::npos;
+}
+
+std::string diceText(std::int64_t count, char letter, std::int32_t size) {
+    return std::to_string(count) + letter + std::to_string(size);
+}
+
+std::vector<Evaluation> faces(std::int32_t count) {
+    if (static_cast<std::size_t>(count) > core::kMaxOutcomes) {
+        throw core::CalculationTooLarge("a die with " + std::to_string(count) +
+                                        " faces is too large to calculate");
+    }
+    std::vector<Evaluation> list;
+    list.reserve(static_cast<std::size_t>(count) + 1);
+    Decimal quantity = Decimal::one();
+    for (std::int32_t face = 1; face <= count; ++face) {
+        list.push_back(Evaluation::evaluationWithQuantity(quantity, Decimal::one()));
+        quantity = quantity + Decimal::one();
+    }
+    return list;
+}
+
+template <class Kind>
+ExpressionPointer makeBlank() {
+    return std::make_shared<Kind>();
+}
+
+const std::array<ExpressionKind, 5> kNotations = {{
+    {XdyExpression::isExpressionString, makeBlank<XdyExpression>},
+    {XcyExpression::isExpressionString, makeBlank<XcyExpression>},
+    {XpyExpression::isExpressionString, makeBlank<XpyExpression>},
+    {XvyExpression::isExpressionString, makeBlank<XvyExpression>},
+    {XwyExpression::isExpressionString, makeBlank<XwyExpression>},
+}};
+
+}  // namespace
+
+Decimal DiceExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+Decimal XdyExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+Decimal XcyExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+Decimal XpyExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+Decimal XvyExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+Decimal XwyExpressionF(const Decimal& a, const Decimal& b) { return a + b; }
+
+bool DiceExpression::isExpressionString(std::string_view text) {
+    if (!Expression::isExpressionString(text)) {
+        return false;
+    }
+    const std::string cleaned = cleanString(text);
+    const std::size_t position = findLetter(cleaned);
+    if (position == std::string::npos || position == 0 || position + 1 == cleaned.size()) {
+        return false;
+    }
+    const std::string_view view = cleaned;
+    return isSubset(view.substr(0, position), kDigits) &&
+           isSubset(view.substr(position + 1), kDigits);
+}
+
+ExpressionPointer DiceExpression::create() { return std::make_shared<DiceExpression>(); }
+
+std::span<const ExpressionKind> DiceExpression::descendants() const { return kNotations; }
+
+void DiceExpression::parseRawString() {
+    Expression::parseRawString();
+    const std::string_view text = rawString();
+    const std::size_t position = findLetter(text);
+    if (position == std::string_view::npos) {
+        return;
+    }
+    m_x = readCount(text.substr(0, position));
+    m_y = readCount(text.substr(position + 1));
+}
+
+void DiceExpression::checkDiceCount() const {
+    if (m_x > core::kMaxDice) {
+        throw core::CalculationTooLarge(std::to_string(m_x) + " dice are too many to calculate");
+    }
+}
+
+void DiceExpression::makeProfileWithExpressions(ExpressionDictionary& expressions) {
+    if (m_x <= 1) {
+        makeProfile();
+        return;
+    }
+    checkDiceCount();
+    const char notation = letter();
+    // Build the missing counts from the largest one already known upwards, so that each
+    // construction finds its predecessor and the chain never recurses deeply. The result and
+    // the dictionary's contents are those of building (x-1) dice directly.
+    std::int64_t known = m_x - 1;
+    while (known >= 1 && !expressions.contains(diceText(known, notation, m_y))) {
+        --known;
+    }
+    for (std::int64_t count = known + 1; count < m_x - 1; ++count) {
+        static_cast<void>(expressionWithString(diceText(count, notation, m_y), expressions));
+    }
+    const ExpressionPointer one = expressionWithString(diceText(1, notation, m_y), expressions);
+    const ExpressionPointer rest =
+        expressionWithString(diceText(m_x - 1, notation, m_y), expressions);
+    ownProfile() = rest->profile();
+    ownProfile().assimilateProfile(one->profile(), DiceExpressionF);
+}
+
+void DiceExpression::makeProfile() {
+    if (letter() == '\0') {
+        return;
+    }
+    checkDiceCount();
+    if (m_x == 0 || m_y == 0) {
+        ownProfile().addQuantity(Decimal::zero(), Decimal::one());
+        return;
+    }
+    makeSingleDie();
+    const core::Profile die = ownProfile().copy();
+    for (std::int32_t i = 1; i < m_x; ++i) {
+        ownProfile().assimilateProfile(die, combiningFunction());
+    }
+}
+
+bool XdyExpression::isExpressionString(std::string_view text) {
+    return DiceExpression::isExpressionString(text) && hasLetter(text, 'd');
+}
+ExpressionPointer XdyExpression::create() { return makeBlank<XdyExpression>(); }
+
+void XdyExpression::makeSingleDie() { ownProfile().setEvaluations(faces(m_y)); }
+
+bool XcyExpression::isExpressionString(std::string_view text) {
+    return DiceExpression::isExpressionString(text) && hasLetter(text, 'c');
+}
+ExpressionPointer XcyExpression::create() { return makeBlank<XcyExpression>(); }
+
+void XcyExpression::makeSingleDie() {
+    if (m_y <= 9) {
+        ownProfile().addQuantity(Decimal::one(), Decimal::decimalNumberWithInteger(m_y));
+        ownProfile().addQuantity(Decimal::zero(), Decimal::decimalNumberWithInteger(10 - m_y));
+    } else {
+        ownProfile().addQuantity(Decimal::one(), Decimal::one());
+    }
+}
+
+bool XpyExpression::isExpressionString(std::string_view text) {
+    return DiceExpression::isExpressionString(text) && hasLetter(text, 'p');
+}
+ExpressionPointer XpyExpression::create() { return makeBlank<XpyExpression>(); }
+
+void XpyExpression::makeSingleDie() {
+    if (m_y <= 99) {
+        ownProfile().addQuantity(Decimal::one(), Decimal::decimalNumberWithInteger(m_y));
+        ownProfile().addQuantity(Decimal::zero(), Decimal::decimalNumberWithInteger(100 - m_y));
+    } else {
+        ownProfile().addQuantity(Decimal::one(), Decimal::one());
+    }
+}
+
+bool XvyExpression::isExpressionString(std::string_view text) {
+    return DiceExpression::isExpressionString(text) && hasLetter(text, 'v');
+}
+ExpressionPointer XvyExpression::create() { return makeBlank<XvyExpression>(); }
+
+void XvyExpression::makeSingleDie() {
+    m_y = std::min(m_y, 10);
+    std::vector<Evaluation> list = faces(m_y);
+    list.push_back(Evaluation::evaluationWithQuantity(Decimal::zero(),
+                                                      Decimal::decimalNumberWithInteger(10 - m_y)));
+    ownProfile().setEvaluations(std::move(list));
+}
+
+bool XwyExpression::isExpressionString(std::string_view text) {
+    return DiceExpression::isExpressionString(text) && hasLetter(text, 'w');
+}
+ExpressionPointer XwyExpression::create() { return makeBlank<XwyExpression>(); }
+
+void XwyExpression::makeSingleDie() {
+    m_y = std::min(m_y, 100);
+    std::vector<Evaluation> list = faces(m_y);
+    list.push_back(Evaluation::evaluationWithQuantity(
+        Decimal::zero(), Decimal::decimalNumberWithInteger(100 - m_y)));
+    ownProfile().addEvaluations(std::move(list));
+}
+
+}  // namespace talvex::language

@@ -1,0 +1,72 @@
+#include "expressions/expression.h"
+
+#include <algorithm>
+
+namespace talvex::language {
+
+ExpressionPointer Expression::expressionWithString(std::string_view text,
+                                                   ExpressionDictionary& expressions) {
+    return construct(std::make_shared<Expression>(), text, &expressions);
+}
+
+ExpressionPointer Expression::expressionWithString(std::string_view text) {
+    return construct(std::make_shared<Expression>(), text, nullptr);
+}
+
+std::string Expression::cleanString(std::string_view text) {
+    if (const auto colon = text.find(':'); colon != std::string_view::npos) {
+        text.remove_prefix(colon + 1);
+    }
+    std::string cleaned;
+    cleaned.reserve(text.size());
+    for (const char c : text) {
+        if (c != ' ' && c != '\n' && c != '\t' && c != '\r') {
+            cleaned.push_back(c);
+        }
+    }
+    return cleaned;
+}
+
+bool Expression::isSubset(std::string_view text, std::string_view allowed) noexcept {
+    return std::all_of(text.begin(), text.end(),
+                       [allowed](char c) { return allowed.find(c) != std::string_view::npos; });
+}
+
+bool Expression::isExpressionString(std::string_view /*text*/) noexcept { return true; }
+
+std::span<const ExpressionKind> Expression::descendants() const { return expressionKinds(); }
+
+ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_view text,
+                                        ExpressionDictionary* expressions) {
+    std::string key = cleanString(text);
+    if (expressions != nullptr) {
+        if (const auto found = expressions->find(key); found != expressions->end()) {
+            return found->second;
+        }
+    }
+    Expression& self = *blank;
+    self.m_rawString = std::move(key);
+    self.m_titleRawString = std::string(text);
+    if (expressions != nullptr) {
+        self.parseRawStringWithExpressions(*expressions);
+    } else {
+        self.parseRawString();
+    }
+    for (const ExpressionKind& kind : self.descendants()) {
+        if (kind.isExpressionString(self.m_titleRawString)) {
+            return construct(kind.create(), self.m_titleRawString, expressions);
+        }
+    }
+    if (expressions != nullptr) {
+        self.makeProfileWithExpressions(*expressions);
+    } else {
+        self.makeProfile();
+    }
+    self.m_profile.setTitleString(self.m_rawString);
+    if (expressions != nullptr) {
+        expressions->try_emplace(self.m_rawString, blank);
+    }
+    return blank;
+}
+
+}  // namespace talvex::language

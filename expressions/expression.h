@@ -1,0 +1,92 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "core/decimal.h"
+#include "core/evaluation.h"
+#include "core/profile.h"
+
+namespace talvex::language {
+
+class Expression;
+using ExpressionPointer = std::shared_ptr<Expression>;
+
+// Cleaned text -> the expression built from it. Whoever starts a construction owns one and
+// hands it down; every expression built at any depth is added, so equal texts are built once.
+using ExpressionDictionary = std::unordered_map<std::string, ExpressionPointer>;
+
+// One kind that evolution may turn an expression into: its recognition test on the uncleaned
+// text, and a factory for a blank instance that then runs the whole pipeline.
+struct ExpressionKind {
+    bool (*isExpressionString)(std::string_view text);
+    ExpressionPointer (*create)();
+};
+
+// A piece of typed text and its exact distribution. Built once, through
+// expressionWithString, which cleans the text, parses it, turns it into the most specific kind
+// that recognises it and computes the profile, all during construction.
+class Expression {
+  public:
+    Expression() = default;
+    virtual ~Expression() = default;
+    Expression(const Expression&) = delete;
+    Expression& operator=(const Expression&) = delete;
+
+    // Builds (or finds) the expression for `text` in the shared dictionary.
+    [[nodiscard]] static ExpressionPointer expressionWithString(std::string_view text,
+                                                                ExpressionDictionary& expressions);
+    // Builds the expression without a shared dictionary.
+    [[nodiscard]] static ExpressionPointer expressionWithString(std::string_view text);
+
+    // Drops everything up to the first ":" (a label) and removes blanks, tabs and line breaks.
+    [[nodiscard]] static std::string cleanString(std::string_view text);
+    // Whether every character of `text` occurs in `allowed`.
+    [[nodiscard]] static bool isSubset(std::string_view text, std::string_view allowed) noexcept;
+    // The base kind recognises any text.
+    [[nodiscard]] static bool isExpressionString(std::string_view text) noexcept;
+
+    [[nodiscard]] virtual std::string_view typeString() const { return "untyped"; }
+
+    [[nodiscard]] const std::string& rawString() const noexcept { return m_rawString; }
+    [[nodiscard]] const std::string& titleRawString() const noexcept { return m_titleRawString; }
+    // A copy: the expression's own profile cannot be changed from outside.
+    [[nodiscard]] core::Profile profile() const { return m_profile.copy(); }
+    // One random draw from the expression's profile, which remembers it.
+    [[nodiscard]] core::Evaluation evaluation() { return m_profile.evaluation(); }
+    [[nodiscard]] core::Decimal evaluate() { return m_profile.evaluate(); }
+
+  protected:
+    // The kinds evolution tries after this one, in order.
+    [[nodiscard]] virtual std::span<const ExpressionKind> descendants() const;
+
+    virtual void parseRawString() {}
+    virtual void parseRawStringWithExpressions(ExpressionDictionary& /*expressions*/) {
+        parseRawString();
+    }
+    virtual void makeProfile() {}
+    virtual void makeProfileWithExpressions(ExpressionDictionary& /*expressions*/) {
+        makeProfile();
+    }
+
+    void setRawString(std::string rawString) { m_rawString = std::move(rawString); }
+    [[nodiscard]] core::Profile& ownProfile() noexcept { return m_profile; }
+    [[nodiscard]] const core::Profile& ownProfile() const noexcept { return m_profile; }
+
+  private:
+    // The construction pipeline shared by every kind; `expressions` may be null.
+    [[nodiscard]] static ExpressionPointer construct(ExpressionPointer blank, std::string_view text,
+                                                     ExpressionDictionary* expressions);
+
+    std::string m_rawString;
+    std::string m_titleRawString;
+    core::Profile m_profile;
+};
+
+// The kinds a plain expression may evolve into, in the order they are tried.
+[[nodiscard]] std::span<const ExpressionKind> expressionKinds();
+
+}  // namespace talvex::language

@@ -1,0 +1,213 @@
+// Runs the real talvex-cli binary and checks what it prints and how it exits.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct CliRun {
+    std::string out;
+    int status = -1;
+};
+
+std::string quote(const std::string& argument) {
+    std::string quoted = "'";
+    for (const char c : argument) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+// Runs the binary through the shell with the given arguments (and optional standard input);
+// standard error is discarded unless `captureErrors`, then it is all that is captured.
+CliRun run(const std::vector<std::string>& arguments, const std::string& input = "",
+           bool captureErrors = false) {
+    std::string command;
+    if (!input.empty()) {
+        command = "printf %s " + quote(input) + " | ";
+    }
+    command += quote(TALVEX_CLI_PATH);
+    for (const auto& argument : arguments) {
+        command += " " + quote(argument);
+    }
+    command += captureErrors ? " 2>&1 >/dev/null" : " 2>/dev/null";
+    if (input.empty()) {
+        command += " </dev/null";
+    }
+    CliRun result;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return result;
+    }
+    std::array<char, 4096> buffer{};
+    std::size_t n = 0;
+    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
+        result.out.append(buffer.data(), n);
+    }
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+std::vector<nlohmann::json> jsonLines(const std::string& text) {
+    std::vector<nlohmann::json> lines;
+    std::istringstream stream(text);
+    std::string line;
+    while (std::getline(stream, line)) {
+        lines.push_back(nlohmann::json::parse(line));
+    }
+    return lines;
+}
+
+// num/den as "0." followed by 60 decimal digits, by long division (num < den).
+std::string fraction(long long num, long long den) {
+    std::string text = "0.";
+    long long remainder = num;
+    for (int i = 0; i < 60; ++i) {
+        remainder *= 10;
+        text += static_cast<char>('0' + remainder / den);
+        remainder %= den;
+    }
+    return text;
+}
+
+// The first `count` significant digits of a plain decimal text, padded with zeros.
+std::string significantDigits(const std::string& text, std::size_t count) {
+    std::string digits;
+    for (const char c : text) {
+        if (c >= '0' && c <= '9' && !(digits.empty() && c == '0')) {
+            digits += c;
+        }
+    }
+    digits.resize(count, '0');
+    return digits;
+}
+
+TEST(Cli, JsonOfThreeDiceHasSixteenOutcomesWithTheirProbabilities) {
+    const CliRun result = run({"--json", "3d6"});
+    ASSERT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 1U);
+    const auto& object = lines.front();
+    EXPECT_EQ(object["expression"], "3d6");
+    EXPECT_EQ(object["comparator"], "");
+    const auto& list = object["outcomes"];
+    ASSERT_EQ(list.size(), 16U);
+    // The ways of rolling each sum, out of 216.
+    const std::array<int, 16> ways = {1, 3, 6, 10, 15, 21, 25, 27, 27, 25, 21, 15, 10, 6, 3, 1};
+    for (std::size_t i = 0; i < 16; ++i) {
+        EXPECT_EQ(list[i]["quantity"], std::to_string(3 + i));
+        // 38-digit probabilities: the first 35 significant digits are those of ways/216
+        // (the last ones carry the rounding of each normalisation step).
+        const std::string text = list[i]["probability"];
+        EXPECT_EQ(significantDigits(text, 35), significantDigits(fraction(ways[i], 216), 35))
+            << text;
+    }
+    EXPECT_EQ(object.size(), 4U);  // exactly the four keys
+}
+
+TEST(Cli, JsonKeysComeInTheirOrder) {
+    const CliRun result = run({"--json", "1d2"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_EQ(result.out.rfind("{\"expression\":\"1d2\",\"comparator\":\"\",\"total_weight\":", 0),
+              0U);
+}
+
+TEST(Cli, LabelledTextAgreesWithThePlainText) {
+    const CliRun result = run({"--json", "Roll: 2d6", "2d6"});
+    ASSERT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0], lines[1]);
+}
+
+TEST(Cli, UndefinedOutcomeHasANullQuantity) {
+    const CliRun result = run({"--json", "nothing"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    ASSERT_EQ(object["outcomes"].size(), 1U);
+    EXPECT_TRUE(object["outcomes"][0]["quantity"].is_null());
+    EXPECT_EQ(object["outcomes"][0]["probability"], "1");
+}
+
+TEST(Cli, PlainOutputIsQuantityTabProbability) {
+    const CliRun result = run({"1c7"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "0\t0.3\n1\t0.7\n");
+}
+
+TEST(Cli, ReadsExpressionsFromStandardInputSkippingBlankLines) {
+    const CliRun result = run({"--json"}, "1d4\n\n   \n2c5\n");
+    ASSERT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]["expression"], "1d4");
+    EXPECT_EQ(lines[1]["expression"], "2c5");
+}
+
+TEST(Cli, SeededRollsRepeat) {
+    const CliRun first = run({"--json", "--seed", "42", "--rolls", "20", "1d20"});
+    const CliRun second = run({"--json", "--seed", "42", "--rolls", "20", "1d20"});
+    ASSERT_EQ(first.status, 0);
+    EXPECT_EQ(first.out, second.out);
+    const auto rolls = jsonLines(first.out).front()["rolls"];
+    ASSERT_EQ(rolls.size(), 20U);
+    for (const auto& roll : rolls) {
+        const int value = std::stoi(roll.get<std::string>());
+        EXPECT_GE(value, 1);
+        EXPECT_LE(value, 20);
+    }
+}
+
+TEST(Cli, UndefinedRollIsNull) {
+    const CliRun result = run({"--json", "--rolls", "2", "nothing"});
+    ASSERT_EQ(result.status, 0);
+    const auto rolls = jsonLines(result.out).front()["rolls"];
+    ASSERT_EQ(rolls.size(), 2U);
+    EXPECT_TRUE(rolls[0].is_null());
+}
+
+TEST(Cli, UnknownOptionIsAClearMessageAndStatusTwo) {
+    const CliRun result = run({"--frobnicate", "1d6"}, "", true);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.out.find("--frobnicate"), std::string::npos);
+}
+
+TEST(Cli, HelpAndVersion) {
+    const CliRun help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("--json"), std::string::npos);
+    EXPECT_NE(help.out.find("--rolls"), std::string::npos);
+    const CliRun version = run({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out.rfind("talvex-cli ", 0), 0U);
+}
+
+TEST(Cli, RangeFaultIsReportedAndTheRestStillEvaluated) {
+    const CliRun result = run({"--json", "1d4", "400d6", "2d2"});
+    EXPECT_EQ(result.status, 3);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]["expression"], "1d4");
+    EXPECT_EQ(lines[1]["expression"], "2d2");
+    const CliRun errors = run({"--json", "1d4", "400d6", "2d2"}, "", true);
+    EXPECT_NE(errors.out.find("400d6"), std::string::npos);
+    EXPECT_NE(errors.out.find("too small"), std::string::npos);
+    EXPECT_EQ(std::count(errors.out.begin(), errors.out.end(), '\n'), 1);
+}
+
+TEST(Cli, TooLargeADieIsReportedPlainly) {
+    const CliRun errors = run({"1d2000000000"}, "", true);
+    EXPECT_EQ(errors.status, 3);
+    EXPECT_NE(errors.out.find("too large"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,239 @@
+#include "expressions/dice_expression.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "core/calculation_limits.h"
+#include "expressions/test_support.h"
+
+namespace talvex::language {
+namespace {
+
+using testing::outcomes;
+using testing::scaledOutcomes;
+using Outcomes = std::vector<std::pair<std::string, std::string>>;
+using Counts = std::vector<std::pair<std::string, long long>>;
+
+TEST(DiceExpression, OneDieHasSixEqualFaces) {
+    ExpressionDictionary expressions;
+    const auto die = Expression::expressionWithString("1d6", expressions);
+    EXPECT_EQ(die->typeString(), "xdy");
+    EXPECT_EQ(outcomes(die->profile()),
+              (Outcomes{{"1", "1"}, {"2", "1"}, {"3", "1"}, {"4", "1"}, {"5", "1"}, {"6", "1"}}));
+}
+
+TEST(DiceExpression, TwoDiceFormATriangle) {
+    ExpressionDictionary expressions;
+    const auto dice = Expression::expressionWithString("2d6", expressions);
+    EXPECT_EQ(scaledOutcomes(dice->profile(), 36), (Counts{{"2", 1},
+                                                           {"3", 2},
+                                                           {"4", 3},
+                                                           {"5", 4},
+                                                           {"6", 5},
+                                                           {"7", 6},
+                                                           {"8", 5},
+                                                           {"9", 4},
+                                                           {"10", 3},
+                                                           {"11", 2},
+                                                           {"12", 1}}));
+}
+
+TEST(DiceExpression, ThreeDiceMatchTheCountOfRolls) {
+    ExpressionDictionary expressions;
+    const auto dice = Expression::expressionWithString("3d6", expressions);
+    // Ways to roll each sum with three six-sided dice, counted directly.
+    std::map<int, long long> ways;
+    for (int a = 1; a <= 6; ++a) {
+        for (int b = 1; b <= 6; ++b) {
+            for (int c = 1; c <= 6; ++c) {
+                ++ways[a + b + c];
+            }
+        }
+    }
+    Counts expected;
+    for (const auto& [sum, count] : ways) {
+        expected.emplace_back(std::to_string(sum), count);
+    }
+    EXPECT_EQ(scaledOutcomes(dice->profile(), 216), expected);
+}
+
+TEST(DiceExpression, ZeroDiceOrZeroFacesAlwaysShowZero) {
+    for (const char* text : {"0d6", "3d0", "0c5", "2v0", "0w0"}) {
+        ExpressionDictionary expressions;
+        const auto dice = Expression::expressionWithString(text, expressions);
+        EXPECT_EQ(outcomes(dice->profile()), (Outcomes{{"0", "1"}})) << text;
+    }
+}
+
+TEST(DiceExpression, ChanceInTenTries) {
+    ExpressionDictionary expressions;
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c7", expressions)->profile()),
+              (Outcomes{{"0", "3"}, {"1", "7"}}));
+    const auto three = Expression::expressionWithString("3c7", expressions);
+    EXPECT_EQ(three->typeString(), "xcy");
+    EXPECT_EQ(scaledOutcomes(three->profile(), 1000),
+              (Counts{{"0", 27}, {"1", 189}, {"2", 441}, {"3", 343}}));
+}
+
+TEST(DiceExpression, TenOrMoreInTenIsASureSuccess) {
+    ExpressionDictionary expressions;
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c10", expressions)->profile()),
+              (Outcomes{{"1", "1"}}));
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c25", expressions)->profile()),
+              (Outcomes{{"1", "1"}}));
+}
+
+TEST(DiceExpression, PercentChance) {
+    ExpressionDictionary expressions;
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1p100", expressions)->profile()),
+              (Outcomes{{"1", "1"}}));
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1p50", expressions)->profile()),
+              (Outcomes{{"0", "50"}, {"1", "50"}}));
+    EXPECT_EQ(Expression::expressionWithString("2p35", expressions)->typeString(), "xpy");
+}
+
+TEST(DiceExpression, TenSidedDieWithHighFacesCountingZero) {
+    ExpressionDictionary expressions;
+    const auto die = Expression::expressionWithString("1v4", expressions);
+    EXPECT_EQ(die->typeString(), "xvy");
+    EXPECT_EQ(outcomes(die->profile()),
+              (Outcomes{{"0", "6"}, {"1", "1"}, {"2", "1"}, {"3", "1"}, {"4", "1"}}));
+}
+
+TEST(DiceExpression, TenSidedDieSizeIsCappedAtTen) {
+    ExpressionDictionary expressions;
+    const auto capped = Expression::expressionWithString("1v15", expressions);
+    const auto ten = Expression::expressionWithString("1v10", expressions);
+    EXPECT_EQ(outcomes(capped->profile()), outcomes(ten->profile()));
+    EXPECT_EQ(outcomes(ten->profile()).size(), 10U);  // the zero entry has weight 0 and is gone
+    EXPECT_EQ(outcomes(ten->profile()).front().first, "1");
+}
+
+TEST(DiceExpression, HundredSidedDieWithHighFacesCountingZero) {
+    ExpressionDictionary expressions;
+    const auto die = Expression::expressionWithString("1w60", expressions);
+    EXPECT_EQ(die->typeString(), "xwy");
+    const auto list = outcomes(die->profile());
+    ASSERT_EQ(list.size(), 61U);
+    EXPECT_EQ(list.front(), (std::pair<std::string, std::string>{"0", "40"}));
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1w150", expressions)->profile()),
+              outcomes(Expression::expressionWithString("1w100", expressions)->profile()));
+}
+
+TEST(DiceExpression, ALabelCanChangeTheNotation) {
+    ExpressionDictionary expressions;
+    const auto dice = Expression::expressionWithString("d: 2c6", expressions);
+    EXPECT_EQ(dice->typeString(), "xdy");
+    EXPECT_EQ(dice->rawString(), "2c6");
+    const auto twoD6 = Expression::expressionWithString("2d6");
+    EXPECT_EQ(outcomes(dice->profile()), outcomes(twoD6->profile()));
+}
+
+TEST(DiceExpression, TenDiceCreateTheTenCountsInTheDictionary) {
+    ExpressionDictionary expressions;
+    static_cast<void>(Expression::expressionWithString("10d6", expressions));
+    EXPECT_EQ(expressions.size(), 10U);
+    for (int count = 1; count <= 10; ++count) {
+        EXPECT_TRUE(expressions.contains(std::to_string(count) + "d6")) << count;
+    }
+}
+
+TEST(DiceExpression, LaterCountsReuseTheChain) {
+    ExpressionDictionary expressions;
+    const auto five = Expression::expressionWithString("5d6", expressions);
+    const auto eight = Expression::expressionWithString("8d6", expressions);
+    EXPECT_EQ(expressions.size(), 8U);
+    EXPECT_EQ(expressions.at("5d6").get(), five.get());
+    EXPECT_EQ(scaledOutcomes(eight->profile(), 1679616).front(),
+              (std::pair<std::string, long long>{"8", 1}));
+}
+
+TEST(DiceExpression, ChainAndDirectBuildAgree) {
+    ExpressionDictionary expressions;
+    const auto chained = Expression::expressionWithString("6d4", expressions);
+    const auto direct = Expression::expressionWithString("6d4");
+    EXPECT_EQ(scaledOutcomes(chained->profile(), 4096), scaledOutcomes(direct->profile(), 4096));
+}
+
+class NotDice : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(NotDice, IsNotADiceText) { EXPECT_FALSE(DiceExpression::isExpressionString(GetParam())); }
+
+INSTANTIATE_TEST_SUITE_P(Texts, NotDice,
+                         ::testing::Values("d6", "2d", "2D6", "2d6.5", "2dd6", "(1d4)d6", "2d(1d6)",
+                                           "2.5d6", "", "26", "-2d6", "x"));
+
+TEST(DiceExpression, LetterPriorityNotPosition) {
+    // "d" is looked for first wherever it stands, so "2c3d4" splits at the "d".
+    EXPECT_FALSE(DiceExpression::isExpressionString("2c3d4"));
+    EXPECT_TRUE(DiceExpression::isExpressionString("12w100"));
+}
+
+TEST(DiceExpression, CountsTooLargeForThirtyTwoBitsAreCapped) {
+    ExpressionDictionary expressions;
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("1d99999999999", expressions)),
+                 core::CalculationTooLarge);
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("99999999999d6", expressions)),
+                 core::CalculationTooLarge);
+    // Ten-sided dice cap their size first, so a huge size is harmless there.
+    const auto capped = Expression::expressionWithString("1v99999999999", expressions);
+    EXPECT_EQ(outcomes(capped->profile()).size(), 10U);
+}
+
+TEST(DiceExpression, VeryManyDiceEndInAnUnderflowNotAHang) {
+    ExpressionDictionary expressions;
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("300d6", expressions)),
+                 core::DecimalError);
+}
+
+// Random texts from the characters users type never crash the pipeline. Single-digit numbers
+// keep every calculation small, so nothing may throw at all.
+TEST(DiceExpression, RandomTextsNeverThrow) {
+    const std::string alphabet = "0123456789dcpvwxDe :.\t";
+    std::mt19937 random(20261120);
+    std::uniform_int_distribution<std::size_t> pick(0, alphabet.size() - 1);
+    std::uniform_int_distribution<int> length(0, 9);
+    ExpressionDictionary expressions;
+    for (int i = 0; i < 3000; ++i) {
+        std::string text;
+        const int n = length(random);
+        char previous = ' ';
+        for (int k = 0; k < n; ++k) {
+            char c = alphabet[pick(random)];
+            if (c >= '0' && c <= '9' && previous >= '0' && previous <= '9') {
+                c = 'd';
+            }
+            text.push_back(c);
+            previous = c;
+        }
+        EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)))
+            << text;
+        EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text))) << text;
+    }
+}
+
+// With numbers of any length the only way out of the pipeline is one of the two faults the
+// request boundary reports.
+TEST(DiceExpression, RandomTextsOnlyFailWithReportableFaults) {
+    const std::string alphabet = "0123456789dcpvw :.";
+    std::mt19937 random(7);
+    std::uniform_int_distribution<std::size_t> pick(0, alphabet.size() - 1);
+    std::uniform_int_distribution<int> length(0, 12);
+    for (int i = 0; i < 300; ++i) {
+        std::string text;
+        const int n = length(random);
+        for (int k = 0; k < n; ++k) {
+            text.push_back(alphabet[pick(random)]);
+        }
+        ExpressionDictionary expressions;
+        try {
+            static_cast<void>(Expression::expressionWithString(text, expressions));
+        } catch (const core::DecimalError&) {
+        } catch (const core::CalculationTooLarge&) {
+        }
+    }
+}
+
+}  // namespace
+}  // namespace talvex::language
