@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds Talvex and runs it.
+# Installs what is missing, builds Talvex and runs it. Until the desktop app exists this is the
+# command-line calculator: ./run.sh 3d6 "Roll: 2d6" --json, or no arguments to type expressions.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/ensure_packages.sh
@@ -7,15 +8,11 @@ talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-if ! cmake --preset release >"$log" 2>&1; then
+if ! cmake --preset release >"$log" 2>&1 || ! cmake --build --preset release --target talvex-cli >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
 fi
-cmake --build --preset release -- --quiet
-
-cat <<'TXT'
-Talvex is built (build/release). The calculator's front ends are not there yet:
-the command-line front end (talvex-cli) comes next, then the desktop app.
-What exists today is the exact 38-digit arithmetic and the distribution engine;
-see it at work with:  build/release/bench/talvex-bench
-TXT
+if [ $# -eq 0 ] && [ -t 0 ]; then
+    echo "Talvex: type a dice expression per line (3d6, 5c7, 1d20, ...); Ctrl-D ends." >&2
+fi
+exec build/release/cli/talvex-cli "$@"
