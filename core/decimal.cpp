@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <system_error>
 
 #include "core/wide_integer.h"
@@ -57,13 +58,27 @@ const char* faultText(DecimalFault fault) noexcept {
     }
     U128 mantissa = 0;
     if (drop > 0) {
-        U128 kept = 0;
-        std::uint64_t firstDropped = 0;
-        if (drop - 1 < digits) {
-            const U256 shifted = wide::dividePow10(n, static_cast<int>(drop - 1));
-            kept = wide::divideSmall(shifted, 10, firstDropped).low128();
+        // Divide by 10^drop in chunks of at most 19 digits, lowest first; whether to round up
+        // is decided by the last chunk's remainder alone, since the lower ones are below it.
+        U256 kept;
+        bool roundUp = false;
+        if (drop <= digits) {
+            kept = n;
+            long remaining = drop;
+            while (remaining > 0) {
+                const long step = remaining > 19 ? 19 : remaining;
+                std::uint64_t remainder = 0;
+                kept = wide::divideSmall(
+                    kept, static_cast<std::uint64_t>(wide::pow10(static_cast<int>(step))),
+                    remainder);
+                remaining -= step;
+                if (remaining == 0) {
+                    roundUp = remainder >= 5 * static_cast<std::uint64_t>(
+                                                   wide::pow10(static_cast<int>(step - 1)));
+                }
+            }
         }
-        mantissa = kept + (firstDropped >= 5 ? 1 : 0);
+        mantissa = kept.low128() + (roundUp ? 1 : 0);
         exponent += drop;
         if (mantissa == kMantissaLimit) {
             mantissa = wide::pow10(Decimal::kMaxDigits - 1);
@@ -128,6 +143,55 @@ const char* faultText(DecimalFault fault) noexcept {
     return ma == scaled ? 0 : (ma < scaled ? -1 : 1);
 }
 
+// The common case of adding operands whose exponents differ by more than the larger one's
+// spare digits, in 128 bits: the larger operand is widened to 38 digits and the smaller one
+// is split at that precision into a whole part and a remainder that decides the rounding.
+// Gives nothing where that is not enough (a borrow that loses a digit, results at the ends of
+// the exponent range); the exact 256-bit path then takes over.
+[[nodiscard]] std::optional<Decimal> addShifted(U128 mBig, int exponentBig, int digitsBig,
+                                                bool negative, U128 mSmall, int exponentSmall,
+                                                bool sameSign) noexcept {
+    const int widen = Decimal::kMaxDigits - digitsBig;
+    const int exponent = exponentBig - widen;
+    const int split = exponent - exponentSmall;  // digits of the smaller operand below the unit
+    if (exponent < Decimal::kMinExponent || exponent >= Decimal::kMaxExponent || split > 38) {
+        return std::nullopt;
+    }
+    const U128 wideBig = mBig * wide::pow10(widen);
+    const U128 divisor = wide::pow10(split);
+    U128 whole = 0;
+    U128 remainder = 0;
+    if (wide::high(divisor) == 0 && wide::high(mSmall) < wide::low(divisor)) {
+        std::uint64_t r = 0;
+        whole = wide::divide128By64(wide::high(mSmall), wide::low(mSmall), wide::low(divisor), r);
+        remainder = r;
+    } else {
+        whole = mSmall / divisor;
+        remainder = mSmall - whole * divisor;
+    }
+    const U128 half = 5 * wide::pow10(split - 1);
+    if (sameSign) {
+        const U128 sum = wideBig + whole;
+        if (sum < kMantissaLimit) {
+            U128 rounded = sum + (remainder >= half ? 1 : 0);
+            if (rounded == kMantissaLimit) {
+                return make(wide::pow10(Decimal::kMaxDigits - 1), exponent + 1, negative);
+            }
+            return make(rounded, exponent, negative);
+        }
+        const U128 kept = sum / 10 + (sum % 10 >= 5 ? 1 : 0);
+        return make(kept, exponent + 1, negative);
+    }
+    if (remainder == 0) {
+        return make(wideBig - whole, exponent, negative);
+    }
+    const U128 floor = wideBig - whole - 1;
+    if (floor < wide::pow10(Decimal::kMaxDigits - 1)) {
+        return std::nullopt;
+    }
+    return make(floor + (remainder <= half ? 1 : 0), exponent, negative);
+}
+
 // a + b or a - b of two nonzero finite values, signs already resolved: `bNegative` is the sign
 // with which b enters the sum.
 [[nodiscard]] Decimal addNonzero(const Decimal& a, const Decimal& b, bool bNegative) {
@@ -161,6 +225,10 @@ const char* faultText(DecimalFault fault) noexcept {
         }
         return aligned > mSmall ? make(aligned - mSmall, exponent, bigNegative)
                                 : make(mSmall - aligned, exponent, smallNegative);
+    }
+    if (const auto fast = addShifted(mBig, big->exponent(), digitsBig, bigNegative, mSmall,
+                                     small->exponent(), sameSign)) {
+        return *fast;
     }
     // The smaller operand lies entirely below the 40th digit of the larger one: it cannot move
     // the rounded result, so the larger operand is the answer.
@@ -299,7 +367,7 @@ Decimal Decimal::decimalNumberWithDouble(double value) noexcept {
         std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
 }
 
-int Decimal::compare(const Decimal& other) const noexcept {
+int Decimal::compareSlow(const Decimal& other) const noexcept {
     if (m_nan || other.m_nan) {
         if (m_nan && other.m_nan) {
             return 0;

@@ -62,7 +62,18 @@ class Decimal {
     [[nodiscard]] bool isNegative() const noexcept { return m_negative; }
 
     // -1, 0 or +1. Undefined equals undefined and is below every number.
-    [[nodiscard]] int compare(const Decimal& other) const noexcept;
+    [[nodiscard]] int compare(const Decimal& other) const noexcept {
+        // Sorting profiles compares whole numbers of one sign and exponent over and over.
+        if (!m_nan && !other.m_nan && m_exponent == other.m_exponent &&
+            m_negative == other.m_negative) {
+            if (m_hi != other.m_hi || m_lo != other.m_lo) {
+                const bool less = m_hi != other.m_hi ? m_hi < other.m_hi : m_lo < other.m_lo;
+                return (less != m_negative) ? -1 : 1;
+            }
+            return 0;
+        }
+        return compareSlow(other);
+    }
 
     [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const;
     [[nodiscard]] Decimal decimalNumberBySubtracting(const Decimal& other) const;
@@ -123,6 +134,8 @@ class Decimal {
           m_nan(nan) {}
 
   private:
+    [[nodiscard]] int compareSlow(const Decimal& other) const noexcept;
+
     std::uint64_t m_lo = 0;
     std::uint64_t m_hi = 0;
     std::int16_t m_exponent = 0;
