@@ -1,0 +1,136 @@
+#include "expressions/compound_expression.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <numbers>
+
+namespace talvex::language {
+namespace {
+
+constexpr std::array<std::string_view, 35> kFunctionNames = {"ln",
+                                                             "log",
+                                                             "exp",
+                                                             "sin",
+                                                             "cos",
+                                                             "tan",
+                                                             "round",
+                                                             "floor",
+                                                             "ceil",
+                                                             "abs",
+                                                             "arcsin",
+                                                             "arccos",
+                                                             "arctan",
+                                                             "mean",
+                                                             "stddev",
+                                                             "minval",
+                                                             "maxval",
+                                                             "values",
+                                                             "median",
+                                                             "mode",
+                                                             "range",
+                                                             "max",
+                                                             "min",
+                                                             "dieMult",
+                                                             "diePow",
+                                                             "diew",
+                                                             "dier",
+                                                             "die",
+                                                             "keep",
+                                                             "count",
+                                                             "confineweightrange",
+                                                             "confineweight",
+                                                             "confine",
+                                                             "criterion",
+                                                             "drop"};
+
+constexpr std::array<std::string_view, 6> kOperatorLevels = {"", "edcpvw", "^", "*/", "+-", "%"};
+constexpr std::string_view kOperators = "edcpvw^*/+-%";
+constexpr std::array<std::string_view, 7> kComparators = {"vs", "vt", "tt", "ch", "cw", "cl", "cu"};
+
+// The shortest text with at most 16 significant digits that reads back as `value`, as a number
+// formatter writes it.
+std::string constantText(double value) {
+    std::array<char, 64> buffer{};
+    for (int digits = 1; digits <= 16; ++digits) {
+        std::snprintf(buffer.data(), buffer.size(), "%.*g", digits, value);
+        if (std::strtod(buffer.data(), nullptr) == value) {
+            break;
+        }
+    }
+    return buffer.data();
+}
+
+}  // namespace
+
+std::span<const std::string_view> functionNames() { return kFunctionNames; }
+
+std::span<const std::string_view> CompoundExpression::operatorLevelArray() {
+    return kOperatorLevels;
+}
+
+std::string_view CompoundExpression::operatorArray() { return kOperators; }
+
+std::span<const std::string_view> CompoundExpression::comparatorArray() { return kComparators; }
+
+std::span<const std::pair<std::string_view, std::string>> CompoundExpression::constants() {
+    static const std::array<std::pair<std::string_view, std::string>, 2> kConstants = {{
+        {"pi", constantText(std::numbers::pi)},
+        {"ex", constantText(std::numbers::e)},
+    }};
+    return kConstants;
+}
+
+std::span<const std::string_view> CompoundExpression::functionArray() { return functionNames(); }
+
+bool CompoundExpression::isExpressionString(std::string_view text) {
+    if (const auto colon = text.find(':'); colon != std::string_view::npos) {
+        text.remove_prefix(colon + 1);
+    }
+    if (text.empty()) {
+        return false;
+    }
+    long depth = 0;
+    for (const char c : text) {
+        if (c == '(') {
+            ++depth;
+        } else if (c == ')' && --depth < 0) {
+            return false;
+        }
+    }
+    if (depth != 0) {
+        return false;
+    }
+    const auto occurs = [text](std::string_view word) {
+        return text.find(word) != std::string_view::npos;
+    };
+    const auto semicolon = text.find(';');
+    const bool structured =
+        occurs("(") || text.find_first_of(kOperators) != std::string_view::npos ||
+        (semicolon != std::string_view::npos && semicolon + 1 < text.size()) ||
+        std::any_of(kFunctionNames.begin(), kFunctionNames.end(), occurs) ||
+        std::any_of(kComparators.begin(), kComparators.end(), occurs) ||
+        std::any_of(constants().begin(), constants().end(),
+                    [&occurs](const auto& constant) { return occurs(constant.first); });
+    return structured && Expression::isExpressionString(text);
+}
+
+ExpressionPointer CompoundExpression::create() { return std::make_shared<CompoundExpression>(); }
+
+// The hard (fixed-outcome) compound kind will be tried here once it exists.
+std::span<const ExpressionKind> CompoundExpression::descendants() const { return {}; }
+
+// Without a shared dictionary, equal sub-texts are still shared within this one text.
+void CompoundExpression::parseRawString() {
+    ExpressionDictionary expressions;
+    parseRawStringWithExpressions(expressions);
+}
+
+void CompoundExpression::makeProfile() {
+    ExpressionDictionary expressions;
+    makeProfileWithExpressions(expressions);
+}
+
+}  // namespace talvex::language

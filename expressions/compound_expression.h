@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "expressions/expression.h"
+
+namespace talvex::language {
+
+// Each nesting level of parentheses is parsed by constructing a sub-expression, recursively; a
+// text nested deeper than this (after its definitions are written out) is refused with a
+// CalculationTooLarge rather than risking the stack.
+inline constexpr std::size_t kMaxNestingDepth = 1000;
+// Every level re-reads the text inside it, so the characters read over all levels (each
+// character counted once per level it sits in) are bounded too.
+inline constexpr std::size_t kMaxNestedTextLength = 16U * 1024U * 1024U;
+// Characters scanned while writing out definitions and names in one parse.
+inline constexpr std::uint64_t kMaxRewritingWork = 2'000'000'000;
+// Dice with random counts or sizes build one dice text per pair of whole numbers; the pairs of
+// outcomes that those builds would combine, estimated before building any, are bounded.
+inline constexpr std::uint64_t kMaxDiceExpansionWork = 100'000'000;
+
+// The names of the functions, in the order in which a call is matched against them (longer
+// names that share a prefix come first).
+[[nodiscard]] std::span<const std::string_view> functionNames();
+
+// A text with structure: operators, parentheses, named functions, comparators, the named
+// constants "pi" and "ex", and definitions ("a=1d6;b=a+a;b*2").
+//
+// Parsing rewrites the text (definitions and constants written out, implicit multiplication,
+// leading signs) and cuts it at its top-level operators into a flat list of operands, each an
+// expression of its own built through the shared dictionary. Evaluation then applies the
+// precedence levels from left to right, every operator left-associative.
+class CompoundExpression : public Expression {
+  public:
+    [[nodiscard]] static bool isExpressionString(std::string_view text);
+    [[nodiscard]] static ExpressionPointer create();
+
+    [[nodiscard]] std::string_view typeString() const override { return "compound"; }
+
+    // The precedence levels, highest first: "", "edcpvw", "^", "*/", "+-", "%". Level 0 is
+    // empty; "%" is the internal mark of a comparator.
+    [[nodiscard]] static std::span<const std::string_view> operatorLevelArray();
+    // Every operator character, level by level: "edcpvw^*/+-%".
+    [[nodiscard]] static std::string_view operatorArray();
+    [[nodiscard]] static std::span<const std::string_view> comparatorArray();
+    // The named constants and the text that stands for each.
+    [[nodiscard]] static std::span<const std::pair<std::string_view, std::string>> constants();
+    [[nodiscard]] static std::span<const std::string_view> functionArray();
+
+    [[nodiscard]] const std::vector<ExpressionPointer>& subExpressions() const noexcept {
+        return m_subExpressions;
+    }
+    // Operator i stands between operands i and i + 1.
+    [[nodiscard]] const std::vector<char>& subOperators() const noexcept { return m_subOperators; }
+    [[nodiscard]] const std::vector<std::string>& subFunctions() const noexcept {
+        return m_subFunctions;
+    }
+    [[nodiscard]] const std::string& comparator() const noexcept { return m_comparator; }
+    [[nodiscard]] std::int32_t subFunctionIndex() const noexcept { return m_subFunctionIndex; }
+
+    // All profiles combined with one operator, left to right (a comparator takes them all at
+    // once). Fewer than two profiles, or no operator ('\0'), give an empty profile.
+    [[nodiscard]] core::Profile combineProfiles(std::vector<core::Profile> profiles, char op,
+                                                ExpressionDictionary& expressions) const;
+    [[nodiscard]] core::Profile combineProfiles(std::vector<core::Profile> profiles, char op) const;
+
+  protected:
+    [[nodiscard]] std::span<const ExpressionKind> descendants() const override;
+    void parseRawString() override;
+    void parseRawStringWithExpressions(ExpressionDictionary& expressions) override;
+    void makeProfile() override;
+    void makeProfileWithExpressions(ExpressionDictionary& expressions) override;
+
+  private:
+    // Cuts the rewritten text at its top-level operators and builds the operands.
+    void cutOperands(std::string_view text, std::string_view masked,
+                     std::string_view expressionProper, ExpressionDictionary& expressions);
+
+    std::vector<ExpressionPointer> m_subExpressions;
+    std::vector<char> m_subOperators;
+    std::vector<std::string> m_subFunctions;
+    std::string m_comparator;
+    std::int32_t m_subFunctionIndex = 0;
+};
+
+// The distribution of `left` dice (counts) of `right` sizes in the notation `letter`: every
+// pair of whole numbers becomes a dice text built through `expressions`, weighted by the
+// chance of the pair. An empty side gives an empty profile.
+[[nodiscard]] core::Profile diceReexpansion(const core::Profile& left, const core::Profile& right,
+                                            char letter, ExpressionDictionary& expressions);
+
+// What a comparator ("vs", "vt", "tt", "ch", "cw", "cl", "cu") makes of its operands, each
+// already rounded to ten decimals. The comparisons themselves are not built yet: until they
+// are, every comparator gives an empty profile.
+[[nodiscard]] core::Profile comparisonProfile(std::string_view comparator,
+                                              std::vector<core::Profile>& profiles);
+
+}  // namespace talvex::language
