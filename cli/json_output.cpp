@@ -27,24 +27,32 @@ ordered_json profileJson(const std::string& expression, const core::Profile& pro
             {"outcomes", std::move(outcomes)}};
 }
 
+ordered_json statisticsJson(const core::Profile& profile) {
+    const auto list = [](const std::vector<Decimal>& values) {
+        ordered_json array = ordered_json::array();
+        for (const Decimal& value : values) {
+            array.push_back(quantityJson(value));
+        }
+        return array;
+    };
+    const auto range = profile.range();
+    return {{"mean", quantityJson(profile.mean())},
+            {"variance", quantityJson(profile.variance())},
+            {"standard_deviation", quantityJson(profile.standardDeviation())},
+            {"mean_deviation", quantityJson(profile.meanDeviation())},
+            {"median", quantityJson(profile.median())},
+            {"mode", list(profile.mode())},
+            {"mode_including_undefined", list(profile.modeIncludingUndefined())},
+            {"range", list({range[0], range[1]})},
+            {"values", quantityJson(profile.values())}};
+}
+
 ordered_json rollsJson(const std::vector<core::Evaluation>& rolls) {
     ordered_json list = ordered_json::array();
     for (const core::Evaluation& roll : rolls) {
         list.push_back(quantityJson(roll.quantity()));
     }
     return list;
-}
-
-std::string profileText(const core::Profile& profile) {
-    const Decimal total = profile.totalWeight();
-    std::string text;
-    for (const core::Evaluation& evaluation : profile.evaluations()) {
-        text += evaluation.isDefined() ? evaluation.quantity().stringValue() : "undefined";
-        text += '\t';
-        text += (evaluation.weight() / total).stringValue();
-        text += '\n';
-    }
-    return text;
 }
 
 }  // namespace talvex::cli

@@ -14,10 +14,10 @@ namespace talvex::cli {
 [[nodiscard]] nlohmann::ordered_json profileJson(const std::string& expression,
                                                  const core::Profile& profile);
 
+// The summary numbers as raw decimal texts, null where undefined.
+[[nodiscard]] nlohmann::ordered_json statisticsJson(const core::Profile& profile);
+
 // Random rolls as texts, null for an undefined roll.
 [[nodiscard]] nlohmann::ordered_json rollsJson(const std::vector<core::Evaluation>& rolls);
-
-// Outcomes as lines of quantity, a tab and probability ("undefined" for the undefined outcome).
-[[nodiscard]] std::string profileText(const core::Profile& profile);
 
 }  // namespace talvex::cli

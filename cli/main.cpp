@@ -1,5 +1,7 @@
 // talvex-cli: exact dice distributions from the command line.
 
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <exception>
@@ -10,8 +12,11 @@
 #include <vector>
 
 #include "cli/json_output.h"
+#include "cli/terminal_output.h"
 #include "core/calculation_limits.h"
 #include "core/decimal.h"
+#include "core/report.h"
+#include "core/report_options.h"
 #include "expressions/expression.h"
 #include "kernels/definitions.h"
 
@@ -28,7 +33,30 @@ struct Settings {
     bool json = false;
     std::optional<long long> seed;
     int rolls = 0;
+    bool colour = false;
+    talvex::core::Options options;
 };
+
+// The report options: the chosen sections (by default title, statistics and table), then
+// every --option KEY=VALUE, which wins over the sections.
+talvex::core::Options reportOptions(const std::vector<std::string>& sections,
+                                    const std::vector<std::string>& assignments) {
+    talvex::core::Options options;
+    if (sections.empty()) {
+        options["title"] = "yes";
+        options["statistics"] = "yes";
+        options["table"] = "yes";
+    }
+    for (const std::string& section : sections) {
+        options[section] = "yes";
+    }
+    for (const std::string& assignment : assignments) {
+        const auto equals = assignment.find('=');
+        options[assignment.substr(0, equals)] =
+            equals == std::string::npos ? std::string() : assignment.substr(equals + 1);
+    }
+    return options;
+}
 
 std::vector<std::string> readExpressions(std::istream& input) {
     std::vector<std::string> lines;
@@ -54,25 +82,31 @@ std::string decimalFaultMessage(const talvex::core::DecimalError& error) {
     return error.what();
 }
 
+bool shouldColourOutput(const std::string& mode) {
+    return talvex::cli::shouldColour(
+        mode, isatty(STDOUT_FILENO) == 1,
+        std::getenv("NO_COLOR") != nullptr && *std::getenv("NO_COLOR") != '\0');
+}
+
 // Builds and prints one expression; false when the calculation could not be finished.
 bool evaluate(const std::string& text, const Settings& settings,
               ExpressionDictionary& expressions) {
     std::string problem;
     try {
         const auto expression = Expression::expressionWithString(text, expressions);
+        talvex::core::Profile profile = expression->profile();
         std::vector<talvex::core::Evaluation> rolls;
         for (int i = 0; i < settings.rolls; ++i) {
-            rolls.push_back(expression->evaluation());
+            rolls.push_back(profile.evaluation());
         }
-        const talvex::core::Profile profile = expression->profile();
         if (settings.json) {
             auto object = talvex::cli::profileJson(expression->rawString(), profile);
+            object["statistics"] = talvex::cli::statisticsJson(profile);
             if (settings.rolls > 0) {
                 object["rolls"] = talvex::cli::rollsJson(rolls);
             }
             std::cout << object.dump() << '\n';
         } else {
-            std::cout << talvex::cli::profileText(profile);
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
                 for (const auto& roll : rolls) {
@@ -81,6 +115,9 @@ bool evaluate(const std::string& text, const Settings& settings,
                 }
                 std::cout << '\n';
             }
+            const auto report = talvex::core::attributedProfileStringWithOptions(
+                profile, &settings.options, profile.styles());
+            std::cout << talvex::cli::terminalText(report, settings.colour);
         }
         return true;
     } catch (const talvex::core::DecimalError& error) {
@@ -107,6 +144,22 @@ int main(int argc, char** argv) {
     app.add_option("--seed", settings.seed, "Seed the random generator for the rolls");
     app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
         ->check(CLI::NonNegativeNumber);
+    std::vector<std::string> sections;
+    for (const char* section : {"statistics", "table", "diagram", "legend", "roll"}) {
+        app.add_flag_callback(
+            std::string("--") + section, [&sections, section] { sections.emplace_back(section); },
+            std::string("Show the ") + section +
+                " (any of these replaces the default title, "
+                "statistics and table)");
+    }
+    std::vector<std::string> assignments;
+    app.add_option("--option", assignments,
+                   "Set a report option by its name, e.g. --option \"table max height=10\" "
+                   "(repeatable; bad values fall back to the defaults)")
+        ->allow_extra_args(false);
+    std::string colourMode = "auto";
+    app.add_option("--color", colourMode, "Colour the reports: auto, always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
     app.set_version_flag("--version", std::string("talvex-cli ") + TALVEX_VERSION);
     try {
         app.parse(argc, argv);
@@ -118,6 +171,16 @@ int main(int argc, char** argv) {
         return app.exit(e);
     } catch (const CLI::ParseError& e) {
         std::cerr << "talvex-cli: " << e.what() << "\nRun with --help for the options.\n";
+        return kExitUsage;
+    }
+
+    settings.options = reportOptions(sections, assignments);
+    settings.colour = shouldColourOutput(colourMode);
+    try {
+        static_cast<void>(
+            talvex::core::patchOptions(&settings.options, talvex::core::defaultStyles()));
+    } catch (const talvex::core::DividerListError& error) {
+        std::cerr << "talvex-cli: cannot use the report options: " << error.what() << '\n';
         return kExitUsage;
     }
 
@@ -133,9 +196,6 @@ int main(int argc, char** argv) {
     for (const std::string& text : settings.expressions) {
         if (!evaluate(text, settings, expressions)) {
             allCalculated = false;
-        }
-        if (!settings.json && settings.expressions.size() > 1) {
-            std::cout << '\n';
         }
     }
     return allCalculated ? EXIT_SUCCESS : kExitCalculationFailed;

@@ -10,9 +10,11 @@ namespace talvex::core {
 // weight, the number of ways or the probability mass of that outcome. The weight is never
 // undefined; it becomes a probability only relative to the total weight of its profile.
 class Evaluation {
-public:
+  public:
     // Undefined quantity, weight zero.
     Evaluation() = default;
+    Evaluation(const Decimal& quantity, const Decimal& weight) noexcept
+        : m_quantity(quantity), m_weight(weight) {}
     // A missing quantity stores undefined, a missing weight stores zero.
     Evaluation(std::optional<Decimal> quantity, std::optional<Decimal> weight);
 
@@ -23,7 +25,11 @@ public:
     [[nodiscard]] const Decimal& quantity() const noexcept { return m_quantity; }
     [[nodiscard]] const Decimal& weight() const noexcept { return m_weight; }
 
+    void setQuantity(const Decimal& quantity) noexcept { m_quantity = quantity; }
+    void setWeight(const Decimal& weight) noexcept { m_weight = weight; }
+    // A missing quantity stores undefined.
     void setQuantity(std::optional<Decimal> quantity);
+    // A missing weight stores zero.
     void setWeight(std::optional<Decimal> weight);
 
     [[nodiscard]] bool isDefined() const noexcept { return !m_quantity.isNotANumber(); }
@@ -44,7 +50,7 @@ public:
         return m_weight.compare(other.m_weight);
     }
 
-private:
+  private:
     Decimal m_quantity = Decimal::notANumber();
     Decimal m_weight = Decimal::zero();
 };

@@ -2,13 +2,18 @@
 
 #include <array>
 #include <cstddef>
+#include <ctime>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "core/decimal.h"
 #include "core/evaluation.h"
+#include "core/report_options.h"
+#include "core/styled_text.h"
+#include "core/styles.h"
 
 namespace talvex::core {
 
@@ -26,7 +31,7 @@ using RelationKernel = std::function<std::vector<Evaluation>(const Decimal&, con
 // as the builder added them until something asks for normal form; an empty profile reports one
 // undefined outcome of weight `scaledWeight`.
 class Profile {
-public:
+  public:
     static constexpr int kDefaultError = 10;
     static constexpr int kMaxError = 20;
 
@@ -96,14 +101,28 @@ public:
     // The cross product as the weights stand. The function form resets the scaled weight to
     // one; the relation form keeps it.
     void assimilateProfileWithoutNormalizing(const Profile& other, FunctionKernel function);
-    void assimilateProfileWithoutNormalizing(const Profile& other,
-                                             const RelationKernel& relation);
+    void assimilateProfileWithoutNormalizing(const Profile& other, const RelationKernel& relation);
 
     // Draws one outcome at random (POSIX random()), records a copy in the history and returns
     // it. An empty profile draws an undefined outcome of weight zero.
     [[nodiscard]] Evaluation evaluation();
     // The quantity of a fresh draw.
     [[nodiscard]] Decimal evaluate();
+
+    // Styles of the reports, shared between copies until one of them changes its own.
+    [[nodiscard]] const Styles& styles() const noexcept;
+    void setDefaultStyles();
+    void setStyles(Styles styles);
+    void clearStyles();
+    void setAttributes(const TextAttributes& attributes, const std::string& forStyle);
+
+    // Reports (report.cpp and friends). Options are repaired first; none gives empty text.
+    // Drawing the report's roll records it in the history.
+    [[nodiscard]] StyledText attributedProfileStringWithOptions(
+        const Options* options, std::time_t now = std::time(nullptr));
+    [[nodiscard]] std::string profileStringWithOptions(const Options* options,
+                                                       std::time_t now = std::time(nullptr));
+    [[nodiscard]] Options patchOptions(const Options* options) const;
 
     // Statistics (profile_statistics.cpp). A profile that is not defined gives undefined
     // results. The undefined outcome's weight counts in the divisor of the averages.
@@ -131,7 +150,9 @@ public:
     // argument matches anything; a defined one never matches an undefined second.
     [[nodiscard]] bool decimalIsWithinErrorOf(const Decimal& first, const Decimal& second) const;
 
-private:
+  private:
+    // A fresh profile holding the source's outcomes as setEvaluations would install them.
+    [[nodiscard]] static Profile withOutcomesOf(const Profile& source);
     // Restores the invariant. The first `sortedCount` elements are known to be in order.
     void condense(std::size_t sortedCount);
     // Adds one outcome to a condensed list without re-sorting it.
@@ -146,6 +167,8 @@ private:
     std::string m_titleString;
     std::string m_comparatorString;
     Decimal m_scaledWeight = Decimal::one();
+    // Null means the default styles.
+    std::shared_ptr<const Styles> m_styles;
     // Whether m_evaluations satisfies the whole invariant at the current error. The list is
     // always sorted; weights can turn non-positive through scale() and neighbours can come
     // within error through setError(), and then the next addition condenses in full.

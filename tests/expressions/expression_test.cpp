@@ -54,10 +54,10 @@ TEST(Expression, TheEmptyTextIsAnUntypedExpressionWithAnEmptyProfile) {
 
 TEST(Expression, UnrecognisedTextIsUntypedAndStored) {
     ExpressionDictionary expressions;
-    const auto unknown = Expression::expressionWithString("hello", expressions);
+    const auto unknown = Expression::expressionWithString("hi", expressions);
     EXPECT_EQ(unknown->typeString(), "untyped");
-    EXPECT_EQ(unknown->profile().titleString(), "hello");
-    EXPECT_TRUE(expressions.contains("hello"));
+    EXPECT_EQ(unknown->profile().titleString(), "hi");
+    EXPECT_TRUE(expressions.contains("hi"));
 }
 
 TEST(Expression, ProfileReturnsACopy) {
