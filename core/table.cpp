@@ -6,6 +6,8 @@
 #include <string>
 #include <utility>
 
+#include "core/calculation_limits.h"
+
 namespace talvex::core {
 
 namespace {
@@ -156,6 +158,11 @@ std::string barOf(const std::string& barString, const Decimal& weight, const Dec
     std::string bar;
     if (!(length > 0.0)) {
         return bar;
+    }
+    // A fixed bar scale far below the row weights could ask for billions of characters.
+    constexpr double kMaxBarCharacters = 100000.0;
+    if (length * static_cast<double>(barString.size()) > kMaxBarCharacters) {
+        throw CalculationTooLarge("a table bar would be longer than 100000 characters");
     }
     const auto count = static_cast<std::size_t>(length);
     bar.reserve(count * barString.size());

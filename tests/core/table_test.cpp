@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/calculation_limits.h"
 #include "tests/core/styled_markup.h"
 
 namespace talvex::core {
@@ -576,6 +577,14 @@ TEST(TableRowLimit, LeavesOneRowForTheUndefinedOutcomeButNeverFewerThanOne) {
     EXPECT_EQ(tableRowLimit(oneDie(), repairedOptions({{"table max height", "4"}})), 4U);
     EXPECT_EQ(tableRowLimit(fourWithUndefined(), repairedOptions({{"table max height", "4"}})), 3U);
     EXPECT_EQ(tableRowLimit(fourWithUndefined(), repairedOptions({{"table max height", "1"}})), 1U);
+}
+
+TEST(Table, ABarTooLongToDrawIsRefusedPlainly) {
+    // A fixed bar scale a hundred million times below the row weights.
+    const Options options =
+        repairedOptions({{"table set max weight", "yes"}, {"table max weight", "0.000001"}});
+    EXPECT_THROW(static_cast<void>(tableWithOptions(oneDie(), &options, defaultStyles())),
+                 CalculationTooLarge);
 }
 
 }  // namespace
