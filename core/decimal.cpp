@@ -161,9 +161,9 @@ const char* faultText(DecimalFault fault) noexcept {
     const U128 divisor = wide::pow10(split);
     U128 whole = 0;
     U128 remainder = 0;
-    if (wide::high(divisor) == 0 && wide::high(mSmall) < wide::low(divisor)) {
+    if (wide::high(divisor) == 0) {
         std::uint64_t r = 0;
-        whole = wide::divide128By64(wide::high(mSmall), wide::low(mSmall), wide::low(divisor), r);
+        whole = wide::divide128(mSmall, wide::low(divisor), r);
         remainder = r;
     } else {
         whole = mSmall / divisor;
@@ -179,7 +179,8 @@ const char* faultText(DecimalFault fault) noexcept {
             }
             return make(rounded, exponent, negative);
         }
-        const U128 kept = sum / 10 + (sum % 10 >= 5 ? 1 : 0);
+        std::uint64_t lastDigit = 0;
+        const U128 kept = wide::divide128(sum, 10, lastDigit) + (lastDigit >= 5 ? 1 : 0);
         return make(kept, exponent + 1, negative);
     }
     if (remainder == 0) {
@@ -217,6 +218,12 @@ const char* faultText(DecimalFault fault) noexcept {
             const U128 sum = aligned + mSmall;
             if (sum < kMantissaLimit) {
                 return make(sum, exponent, bigNegative);
+            }
+            if (exponent < Decimal::kMaxExponent) {
+                // One digit too many: drop it, rounding half away from zero.
+                std::uint64_t lastDigit = 0;
+                const U128 kept = wide::divide128(sum, 10, lastDigit) + (lastDigit >= 5 ? 1 : 0);
+                return make(kept, exponent + 1, bigNegative);
             }
             return roundExact(U256::from128(sum), exponent, bigNegative);
         }

@@ -112,6 +112,14 @@ struct U256 {
 #endif
 }
 
+// n / d for a 128-bit n and a 64-bit divisor, as two hardware divisions.
+[[nodiscard]] inline U128 divide128(U128 n, std::uint64_t d, std::uint64_t& rem) noexcept {
+    const std::uint64_t hi = high(n);
+    const std::uint64_t qHigh = hi / d;
+    const std::uint64_t qLow = divide128By64(hi % d, low(n), d, rem);
+    return make128(qHigh, qLow);
+}
+
 // n / d for a 64-bit divisor; `rem` receives the remainder.
 [[nodiscard]] inline U256 divideSmall(const U256& n, std::uint64_t d, std::uint64_t& rem) noexcept {
     U256 q;
