@@ -144,6 +144,12 @@ Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
     return result;
 }
 
+void roundComparisonOperands(std::vector<Profile>& profiles) {
+    for (Profile& profile : profiles) {
+        profile.roundToPrecision(kComparisonPlaces);
+    }
+}
+
 Profile comparisonProfile(std::string_view /*comparator*/, std::vector<Profile>& /*profiles*/) {
     // The seven comparisons ("vs", "vt", "tt", "ch", "cw", "cl", "cu") come with the
     // comparator work; until then a comparison has no outcomes.
@@ -169,9 +175,7 @@ Profile CompoundExpression::combineProfiles(std::vector<Profile> profiles, char 
             result = diceReexpansion(result, profiles[i], op, expressions);
         }
     } else if (op == '%') {
-        for (Profile& profile : profiles) {
-            profile.roundToPrecision(kComparisonPlaces);
-        }
+        roundComparisonOperands(profiles);
         result = comparisonProfile(m_comparator, profiles);
     } else {
         for (std::size_t i = 1; i < profiles.size(); ++i) {

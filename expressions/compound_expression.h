@@ -15,10 +15,10 @@ namespace talvex::language {
 // Each nesting level of parentheses is parsed by constructing a sub-expression, recursively; a
 // text nested deeper than this (after its definitions are written out) is refused with a
 // CalculationTooLarge rather than risking the stack.
-inline constexpr std::size_t kMaxNestingDepth = 1000;
+inline constexpr std::size_t kMaxNestingDepth = 500;
 // Every level re-reads the text inside it, so the characters read over all levels (each
 // character counted once per level it sits in) are bounded too.
-inline constexpr std::size_t kMaxNestedTextLength = 16U * 1024U * 1024U;
+inline constexpr std::size_t kMaxNestedTextLength = 8U * 1024U * 1024U;
 // Characters scanned while writing out definitions and names in one parse.
 inline constexpr std::uint64_t kMaxRewritingWork = 2'000'000'000;
 // Dice with random counts or sizes build one dice text per pair of whole numbers; the pairs of
@@ -94,6 +94,10 @@ class CompoundExpression : public Expression {
 // chance of the pair. An empty side gives an empty profile.
 [[nodiscard]] core::Profile diceReexpansion(const core::Profile& left, const core::Profile& right,
                                             char letter, ExpressionDictionary& expressions);
+
+// A comparator compares its operands at ten decimals: each is rounded to that precision, and
+// outcomes that then coincide are merged.
+void roundComparisonOperands(std::vector<core::Profile>& profiles);
 
 // What a comparator ("vs", "vt", "tt", "ch", "cw", "cl", "cu") makes of its operands, each
 // already rounded to ten decimals. The comparisons themselves are not built yet: until they

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include "core/calculation_limits.h"
 #include "expressions/compound_expression.h"
@@ -168,11 +169,21 @@ MaskedText withFunctionPlaceholders(const MaskedText& in) {
     }
 }
 
-}  // namespace
+// What rewriting makes of a title text, ready to be cut.
+struct Rewritten {
+    std::string rawString;
+    // The text as typed after the last ";", before anything was written out.
+    std::string expressionProper;
+    MaskedText parts;
+    std::vector<std::string> functions;
+    std::string comparator;
+};
 
-void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& expressions) {
+// Definitions, names, constants and marks written out. Kept out of the recursive parse so that
+// its temporaries are gone before the operands (and their operands, ...) are built.
+[[gnu::noinline]] Rewritten rewrite(std::string_view title) {
     RewritingBudget budget(kMaxRewritingWork);
-    const std::string_view title = withoutLabel(titleRawString());
+    Rewritten result;
 
     const SubstitutionTable blanks{{" ", ""}, {"\n", ""}, {"\r", ""}, {"\t", ""}};
     std::string text = defineStrings(blanks, title, title, &budget).target;
@@ -195,17 +206,17 @@ void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
         }
         statementStart = end + 1;
     }
-    const std::string expressionProper = text.substr(statementStart);
-    checkNesting(expressionProper);
+    result.expressionProper = text.substr(statementStart);
+    checkNesting(result.expressionProper);
 
     SubstitutionTable names;
-    for (const std::string_view name : functionArray()) {
+    for (const std::string_view name : CompoundExpression::functionArray()) {
         names.set(std::string(name), std::string(kProtected));
     }
-    for (const std::string_view keyword : comparatorArray()) {
+    for (const std::string_view keyword : CompoundExpression::comparatorArray()) {
         names.set(std::string(keyword), std::string(kProtected));
     }
-    for (const auto& [name, value] : constants()) {
+    for (const auto& [name, value] : CompoundExpression::constants()) {
         names.set(std::string(name), "(" + value + ")");
     }
     for (const auto& [name, value] : definitions.entries()) {
@@ -214,7 +225,7 @@ void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
 
     // Definitions may use one another and the constants; one that uses itself stops growing
     // at the limit.
-    std::string rewritten = expressionProper;
+    std::string rewritten = result.expressionProper;
     const std::size_t rounds = definitions.size() + 2;
     for (std::size_t round = 0; round < rounds; ++round) {
         const DefinedStrings defined = defineStrings(names, rewritten, rewritten, &budget);
@@ -231,9 +242,9 @@ void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
         }
         rewritten = std::move(outcome);
     }
-    setRawString(cleanString(rewritten));
+    result.rawString = Expression::cleanString(rewritten);
 
-    std::string working = replaceAll(rawString(), kFunctionPlaceholder, kUndefinedOperand);
+    std::string working = replaceAll(result.rawString, kFunctionPlaceholder, kUndefinedOperand);
     working = replaceAll(working, kComparatorMark, kUndefinedOperand);
     working = withoutOuterParentheses(std::move(working));
     if (working.empty()) {
@@ -242,29 +253,29 @@ void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
     MaskedText parts{working, maskedCopy(working)};
 
     SubstitutionTable functionMarks;
-    for (const std::string_view name : functionArray()) {
+    for (const std::string_view name : CompoundExpression::functionArray()) {
         functionMarks.set(std::string(name), std::string(kFunctionMark));
     }
     DefinedStrings marked = defineStrings(functionMarks, parts.text, parts.masked, &budget);
     parts = {std::move(marked.target), std::move(marked.search)};
-    for (const auto& record : marked.records) {
-        m_subFunctions.push_back(record.second);
+    for (auto& record : marked.records) {
+        result.functions.push_back(std::move(record.second));
     }
 
     SubstitutionTable comparatorMarks;
-    for (const std::string_view keyword : comparatorArray()) {
+    for (const std::string_view keyword : CompoundExpression::comparatorArray()) {
         comparatorMarks.set(std::string(keyword), std::string(1, kComparatorMark));
     }
     DefinedStrings compared = defineStrings(comparatorMarks, parts.text, parts.masked, &budget);
     parts = {std::move(compared.target), std::move(compared.search)};
     if (!compared.records.empty()) {
-        m_comparator = compared.records.front().second;
+        result.comparator = compared.records.front().second;
         // The same comparator may join several operands; two different ones at one level
         // cannot be combined.
         for (std::size_t i = 1; i < compared.records.size(); ++i) {
             if (compared.records[i].second != compared.records[i - 1].second) {
                 parts = {std::string(kUndefinedText), std::string(kUndefinedText)};
-                m_comparator.clear();
+                result.comparator.clear();
                 break;
             }
         }
@@ -275,8 +286,19 @@ void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
         parts.text.insert(0, 1, '0');
         parts.masked.insert(0, 1, '0');
     }
-    parts = withFunctionPlaceholders(parts);
-    cutOperands(parts.text, parts.masked, expressionProper, expressions);
+    result.parts = withFunctionPlaceholders(parts);
+    return result;
+}
+
+}  // namespace
+
+void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& expressions) {
+    Rewritten rewritten = rewrite(withoutLabel(titleRawString()));
+    setRawString(std::move(rewritten.rawString));
+    m_subFunctions = std::move(rewritten.functions);
+    m_comparator = std::move(rewritten.comparator);
+    cutOperands(rewritten.parts.text, rewritten.parts.masked, rewritten.expressionProper,
+                expressions);
 }
 
 void CompoundExpression::cutOperands(std::string_view text, std::string_view masked,

@@ -19,12 +19,6 @@ struct MarkedTexts {
     std::string target;
     std::string search;
     std::vector<std::int32_t> marks;  // record index per cell, kNoMark for a plain character
-
-    [[nodiscard]] bool coversMark(std::size_t position, std::size_t length) const {
-        return std::any_of(marks.begin() + static_cast<std::ptrdiff_t>(position),
-                           marks.begin() + static_cast<std::ptrdiff_t>(position + length),
-                           [](std::int32_t mark) { return mark != kNoMark; });
-    }
 };
 
 void spend(RewritingBudget* budget, std::size_t units) {
@@ -33,50 +27,156 @@ void spend(RewritingBudget* budget, std::size_t units) {
     }
 }
 
-// Non-overlapping occurrences of `key`, left to right, that do not run over a mark. Replacing
-// them one after the other, each time searching again from the start, finds the same ones: a
-// mark can never be part of a later occurrence.
-std::vector<std::size_t> occurrences(const MarkedTexts& texts, std::string_view key) {
-    std::vector<std::size_t> found;
-    const bool mayRunOverMark = key.find(kMark) != std::string_view::npos;
-    const std::string_view search = texts.search;
-    std::size_t from = 0;
-    while (from + key.size() <= search.size()) {
-        const std::size_t position = search.find(key, from);
-        if (position == std::string_view::npos) {
-            break;
+// The keys of a table, found by their first character and length, so that one scan of the
+// text finds every occurrence of every key however many keys there are.
+class KeyIndex {
+  public:
+    // `order` lists the table's entries in the order their keys are replaced.
+    KeyIndex(const StringPairs& entries, const std::vector<std::size_t>& order) {
+        for (std::size_t rank = 0; rank < order.size(); ++rank) {
+            const std::string& key = entries[order[rank]].first;
+            // An empty key is never found, as a string search never finds the empty string.
+            if (!key.empty()) {
+                m_keys.push_back({key, rank});
+            }
         }
-        if (mayRunOverMark && texts.coversMark(position, key.size())) {
-            from = position + 1;
-            continue;
+        std::sort(m_keys.begin(), m_keys.end(), [](const Key& a, const Key& b) {
+            if (a.text.front() != b.text.front()) {
+                return static_cast<unsigned char>(a.text.front()) <
+                       static_cast<unsigned char>(b.text.front());
+            }
+            if (a.text.size() != b.text.size()) {
+                return a.text.size() < b.text.size();
+            }
+            return a.text < b.text;
+        });
+        for (std::size_t i = 0; i < m_keys.size(); ++i) {
+            const bool newGroup = i == 0 || m_keys[i].text.front() != m_keys[i - 1].text.front() ||
+                                  m_keys[i].text.size() != m_keys[i - 1].text.size();
+            if (newGroup) {
+                m_groups.push_back({m_keys[i].text.size(), i, i});
+            }
+            ++m_groups.back().end;
         }
-        found.push_back(position);
-        from = position + key.size();
+        std::size_t group = 0;
+        for (std::size_t c = 0; c < 256; ++c) {
+            m_firstGroup[c] = group;
+            while (group < m_groups.size() &&
+                   static_cast<unsigned char>(m_keys[m_groups[group].begin].text.front()) == c) {
+                ++group;
+            }
+        }
+        m_firstGroup[256] = m_groups.size();
     }
-    return found;
+
+    // Calls found(rank, length) for every key that occurs at `position` of `text`.
+    template <class Found>
+    void occurrencesAt(std::string_view text, std::size_t position, RewritingBudget* budget,
+                       Found found) const {
+        const auto c = static_cast<unsigned char>(text[position]);
+        for (std::size_t g = m_firstGroup[c]; g < m_firstGroup[c + 1U]; ++g) {
+            const Group& group = m_groups[g];
+            if (position + group.length > text.size()) {
+                break;  // the groups of one character go by increasing length
+            }
+            spend(budget, group.length);
+            const std::string_view candidate = text.substr(position, group.length);
+            const auto begin = m_keys.begin() + static_cast<std::ptrdiff_t>(group.begin);
+            const auto end = m_keys.begin() + static_cast<std::ptrdiff_t>(group.end);
+            const auto match =
+                std::lower_bound(begin, end, candidate,
+                                 [](const Key& key, std::string_view t) { return key.text < t; });
+            if (match != end && match->text == candidate) {
+                found(match->rank, group.length);
+            }
+        }
+    }
+
+  private:
+    struct Key {
+        std::string_view text;
+        std::size_t rank;
+    };
+    struct Group {
+        std::size_t length;
+        std::size_t begin;
+        std::size_t end;
+    };
+
+    std::vector<Key> m_keys;
+    std::vector<Group> m_groups;
+    std::array<std::size_t, 257> m_firstGroup{};
+};
+
+// An occurrence of the key of rank `rank` at `position`.
+struct Occurrence {
+    std::size_t rank;
+    std::size_t position;
+    std::size_t length;
+};
+
+// One pass: every key, in rank order, replaces its occurrences left to right by marks. All
+// occurrences are found first and then taken in that order, skipping any that overlap one
+// already taken (or a mark of an earlier pass): replacing key after key, each time searching
+// the rewritten text, finds exactly these, since a mark can never be part of an occurrence.
+// Returns the occurrences taken, in rank order.
+std::vector<Occurrence> passOccurrences(const MarkedTexts& texts, const KeyIndex& index,
+                                        RewritingBudget* budget) {
+    const std::string_view search = texts.search;
+    std::vector<Occurrence> candidates;
+    spend(budget, search.size());
+    for (std::size_t position = 0; position < search.size(); ++position) {
+        index.occurrencesAt(search, position, budget, [&](std::size_t rank, std::size_t length) {
+            candidates.push_back({rank, position, length});
+        });
+    }
+    std::sort(candidates.begin(), candidates.end(), [](const Occurrence& a, const Occurrence& b) {
+        return a.rank != b.rank ? a.rank < b.rank : a.position < b.position;
+    });
+    std::vector<bool> taken(search.size());
+    for (std::size_t i = 0; i < search.size(); ++i) {
+        taken[i] = texts.marks[i] != kNoMark;
+    }
+    std::vector<Occurrence> accepted;
+    for (const Occurrence& candidate : candidates) {
+        spend(budget, candidate.length);
+        const auto first = taken.begin() + static_cast<std::ptrdiff_t>(candidate.position);
+        const auto last = first + static_cast<std::ptrdiff_t>(candidate.length);
+        if (std::find(first, last, true) == last) {
+            std::fill(first, last, true);
+            accepted.push_back(candidate);
+        }
+    }
+    return accepted;
 }
 
-// Replaces the given occurrences of a key of `length` characters by marks for the records
-// numbered from `firstRecord` on.
-void markOccurrences(MarkedTexts& texts, const std::vector<std::size_t>& positions,
-                     std::size_t length, std::int32_t firstRecord) {
+// Replaces the occurrences by marks for the records numbered from `firstRecord` on, in the
+// order given.
+void markOccurrences(MarkedTexts& texts, std::vector<Occurrence> occurrences,
+                     std::int32_t firstRecord) {
+    std::vector<std::int32_t> records(occurrences.size());
+    std::iota(records.begin(), records.end(), firstRecord);
+    std::vector<std::size_t> byPosition(occurrences.size());
+    std::iota(byPosition.begin(), byPosition.end(), std::size_t{0});
+    std::sort(byPosition.begin(), byPosition.end(), [&occurrences](std::size_t a, std::size_t b) {
+        return occurrences[a].position < occurrences[b].position;
+    });
     MarkedTexts marked;
-    const std::size_t size = texts.search.size() - positions.size() * (length - 1);
-    marked.target.reserve(size);
-    marked.search.reserve(size);
-    marked.marks.reserve(size);
+    marked.target.reserve(texts.target.size());
+    marked.search.reserve(texts.search.size());
+    marked.marks.reserve(texts.marks.size());
     std::size_t cursor = 0;
-    std::int32_t record = firstRecord;
-    for (const std::size_t position : positions) {
-        marked.target.append(texts.target, cursor, position - cursor);
-        marked.search.append(texts.search, cursor, position - cursor);
+    for (const std::size_t i : byPosition) {
+        const Occurrence& occurrence = occurrences[i];
+        marked.target.append(texts.target, cursor, occurrence.position - cursor);
+        marked.search.append(texts.search, cursor, occurrence.position - cursor);
         marked.marks.insert(marked.marks.end(),
                             texts.marks.begin() + static_cast<std::ptrdiff_t>(cursor),
-                            texts.marks.begin() + static_cast<std::ptrdiff_t>(position));
+                            texts.marks.begin() + static_cast<std::ptrdiff_t>(occurrence.position));
         marked.target.push_back(kMark);
         marked.search.push_back(kMark);
-        marked.marks.push_back(record++);
-        cursor = position + length;
+        marked.marks.push_back(records[i]);
+        cursor = occurrence.position + occurrence.length;
     }
     marked.target.append(texts.target, cursor);
     marked.search.append(texts.search, cursor);
@@ -132,6 +232,7 @@ DefinedStrings defineStrings(const SubstitutionTable& table, std::string_view ta
         return CompoundExpressionStringShortnessCompare(entries[a].first, entries[b].first) < 0;
     });
 
+    const KeyIndex index(entries, order);
     MarkedTexts texts{std::string(target), std::string(search),
                       std::vector<std::int32_t>(search.size(), kNoMark)};
     StringPairs made;  // (value, key), in the order the marks were made
@@ -139,32 +240,15 @@ DefinedStrings defineStrings(const SubstitutionTable& table, std::string_view ta
     bool found = false;
     do {
         ++passes;
-        found = false;
-        // A key whose first character does not occur cannot occur; replacing only removes
-        // characters (and adds marks), so this holds for the whole pass.
-        std::array<bool, 256> present{};
-        for (const char c : texts.search) {
-            present[static_cast<unsigned char>(c)] = true;
-        }
-        present[static_cast<unsigned char>(kMark)] = true;
-        spend(budget, texts.search.size());
-        for (const std::size_t index : order) {
-            const std::string& key = entries[index].first;
-            // An empty key is never found, as a string search never finds the empty string.
-            if (key.empty() || !present[static_cast<unsigned char>(key.front())]) {
-                continue;
+        std::vector<Occurrence> occurrences = passOccurrences(texts, index, budget);
+        found = !occurrences.empty();
+        if (found) {
+            const auto firstRecord = static_cast<std::int32_t>(made.size());
+            for (const Occurrence& occurrence : occurrences) {
+                const auto& entry = entries[order[occurrence.rank]];
+                made.emplace_back(entry.second, entry.first);
             }
-            spend(budget, texts.search.size());
-            const std::vector<std::size_t> positions = occurrences(texts, key);
-            if (positions.empty()) {
-                continue;
-            }
-            found = true;
-            spend(budget, texts.search.size());
-            markOccurrences(texts, positions, key.size(), static_cast<std::int32_t>(made.size()));
-            for (std::size_t i = 0; i < positions.size(); ++i) {
-                made.emplace_back(entries[index].second, key);
-            }
+            markOccurrences(texts, std::move(occurrences), firstRecord);
         }
     } while (found && passes <= entries.size());
     if (passes > entries.size()) {
