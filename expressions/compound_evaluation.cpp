@@ -7,6 +7,7 @@
 #include <string>
 
 #include "core/calculation_limits.h"
+#include "expressions/comparisons.h"
 #include "expressions/compound_expression.h"
 #include "kernels/operator_kernels.h"
 
@@ -150,10 +151,8 @@ void roundComparisonOperands(std::vector<Profile>& profiles) {
     }
 }
 
-Profile comparisonProfile(std::string_view /*comparator*/, std::vector<Profile>& /*profiles*/) {
-    // The seven comparisons ("vs", "vt", "tt", "ch", "cw", "cl", "cu") come with the
-    // comparator work; until then a comparison has no outcomes.
-    return Profile{};
+Profile comparisonProfile(std::string_view comparator, std::vector<Profile>& profiles) {
+    return comparisonProfileForKeyword(comparator, profiles);
 }
 
 Profile CompoundExpression::combineProfiles(std::vector<Profile> profiles, char op,

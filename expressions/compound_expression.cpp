@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <numbers>
 
+#include "expressions/hard_compound_expression.h"
+
 namespace talvex::language {
 namespace {
 
@@ -119,8 +121,13 @@ bool CompoundExpression::isExpressionString(std::string_view text) {
 
 ExpressionPointer CompoundExpression::create() { return std::make_shared<CompoundExpression>(); }
 
-// The hard (fixed-outcome) compound kind will be tried here once it exists.
-std::span<const ExpressionKind> CompoundExpression::descendants() const { return {}; }
+std::span<const ExpressionKind> CompoundExpression::descendants() const {
+    // A compound text with a hard definition ("a~1d6;a+a") is handled by its own kind.
+    static constexpr std::array<ExpressionKind, 1> kHard = {{
+        {HardCompoundExpression::isExpressionString, HardCompoundExpression::create},
+    }};
+    return kHard;
+}
 
 // Without a shared dictionary, equal sub-texts are still shared within this one text.
 void CompoundExpression::parseRawString() {

@@ -100,8 +100,7 @@ class CompoundExpression : public Expression {
 void roundComparisonOperands(std::vector<core::Profile>& profiles);
 
 // What a comparator ("vs", "vt", "tt", "ch", "cw", "cl", "cu") makes of its operands, each
-// already rounded to ten decimals. The comparisons themselves are not built yet: until they
-// are, every comparator gives an empty profile.
+// already rounded to ten decimals; an empty or unknown comparator gives an empty profile.
 [[nodiscard]] core::Profile comparisonProfile(std::string_view comparator,
                                               std::vector<core::Profile>& profiles);
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "cli/cli_runner.h"
 
 namespace {
@@ -131,6 +133,55 @@ TEST(CliReport, JsonStatisticsOfAnUndefinedResultAreNull) {
     EXPECT_TRUE(statistics["range"][0].is_null());
     EXPECT_EQ(statistics["values"], "0");
     EXPECT_TRUE(statistics["mode"][0].is_null());
+}
+
+TEST(CliComparison, VersusWithTiesOfTwoDice) {
+    const CliRun result = run({"--json", "1d6vt1d6"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    EXPECT_EQ(object["comparator"], "vt");
+    std::map<std::string, std::string> found;
+    for (const auto& outcome : object["outcomes"]) {
+        found[outcome["quantity"].get<std::string>()] = outcome["probability"];
+    }
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_EQ(found.at("1").rfind("0.41666666666666666666666666666666666", 0), 0U);
+    EXPECT_EQ(found.at("-1").rfind("0.41666666666666666666666666666666666", 0), 0U);
+    EXPECT_EQ(found.at("0").rfind("0.16666666666666666666666666666666666", 0), 0U);
+}
+
+TEST(CliComparison, VersusWithoutTiesGivesOneHalfEach) {
+    const CliRun result = run({"--json", "1d6vs1d6"});
+    ASSERT_EQ(result.status, 0);
+    const auto outcomes = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(outcomes.size(), 2U);
+    for (const auto& outcome : outcomes) {
+        EXPECT_EQ(outcome["probability"].get<std::string>().rfind("0.5", 0), 0U);
+        EXPECT_EQ(outcome["probability"].get<std::string>().substr(0, 30),
+                  "0.5000000000000000000000000000");
+    }
+}
+
+TEST(CliComparison, HardDefinitionGivesTheEvenNumbers) {
+    const CliRun result = run({"--json", "a~1d6;a+a"});
+    ASSERT_EQ(result.status, 0);
+    const auto outcomes = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(outcomes.size(), 6U);
+    for (std::size_t i = 0; i < 6; ++i) {
+        EXPECT_EQ(outcomes[i]["quantity"], std::to_string(2 * (i + 1)));
+    }
+}
+
+TEST(CliComparison, LegendAndTableOfAComparison) {
+    const CliRun result = run({"--color=never", "--legend", "--table", "3d6 vs 2d10"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_EQ(result.out,
+              "|||||||||1     46.21%     46.21%\n"
+              "||||||||||-1     53.79%     100%\n"
+              "\n"
+              "1 = 3d6 dominates\n"
+              "-1 = 2d10 dominates\n"
+              "\n");
 }
 
 }  // namespace

@@ -157,4 +157,97 @@ TEST(Cli, TooLargeADieIsReportedPlainly) {
     EXPECT_NE(errors.out.find("too large"), std::string::npos);
 }
 
+// --- Compound expressions ------------------------------------------------------------------
+
+// The ways of rolling each sum with two six-sided dice, counted.
+std::array<int, 13> twoDiceWays() {
+    std::array<int, 13> ways{};
+    for (int a = 1; a <= 6; ++a) {
+        for (int b = 1; b <= 6; ++b) {
+            ++ways[static_cast<std::size_t>(a + b)];
+        }
+    }
+    return ways;
+}
+
+TEST(CliCompound, PowersAreLeftAssociative) {
+    const CliRun result = run({"--json", "2^3^2"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    EXPECT_EQ(object["expression"], "2^3^2");
+    ASSERT_EQ(object["outcomes"].size(), 1U);
+    EXPECT_EQ(object["outcomes"][0]["quantity"], "64");
+    EXPECT_EQ(object["outcomes"][0]["probability"], "1");
+}
+
+TEST(CliCompound, ARandomCountIsHalfOneDieAndHalfTwoDice) {
+    const CliRun result = run({"--json", "(1d2)d6"});
+    ASSERT_EQ(result.status, 0);
+    const auto list = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(list.size(), 12U);
+    const auto ways = twoDiceWays();
+    for (std::size_t i = 0; i < 12; ++i) {
+        const auto sum = i + 1;
+        // Out of 72: half of 1/6 for one die, half of ways/36 for two.
+        const int num = (sum <= 6 ? 6 : 0) + ways[sum];
+        EXPECT_EQ(list[i]["quantity"], std::to_string(sum));
+        const std::string text = list[i]["probability"];
+        EXPECT_EQ(significantDigits(text, 30), significantDigits(fraction(num, 72), 30)) << text;
+    }
+}
+
+TEST(CliCompound, DefinitionsAreWrittenOutAndShownRewritten) {
+    const CliRun result = run({"--json", "a=1d6;b=a+a;b*2"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    EXPECT_EQ(object["expression"], "((1d6)+(1d6))*2");
+    const auto list = object["outcomes"];
+    ASSERT_EQ(list.size(), 11U);
+    const auto ways = twoDiceWays();
+    for (std::size_t i = 0; i < 11; ++i) {
+        EXPECT_EQ(list[i]["quantity"], std::to_string(2 * (i + 2)));
+        const std::string text = list[i]["probability"];
+        EXPECT_EQ(significantDigits(text, 30), significantDigits(fraction(ways[i + 2], 36), 30))
+            << text;
+    }
+}
+
+TEST(CliCompound, MinusANegativeNumberAdds) {
+    const CliRun result = run({"--json", "3--2"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    EXPECT_EQ(object["expression"], "3--2");
+    ASSERT_EQ(object["outcomes"].size(), 1U);
+    EXPECT_EQ(object["outcomes"][0]["quantity"], "5");
+}
+
+TEST(CliCompound, MalformedPiecesAreUndefinedNotErrors) {
+    const CliRun result =
+        run({"--json", "1/0", "&", "%", "()", "3+", "d6", "1d6vs1d6vt1d6", "a=a+1;a"});
+    ASSERT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 8U);
+    for (const auto& object : lines) {
+        ASSERT_EQ(object["outcomes"].size(), 1U) << object["expression"];
+        EXPECT_TRUE(object["outcomes"][0]["quantity"].is_null()) << object["expression"];
+    }
+}
+
+TEST(CliCompound, TooDeepANestingIsReportedPlainly) {
+    const std::string deep = std::string(10'000, '(') + "1" + std::string(10'000, ')');
+    const CliRun errors = run({deep, "1+1"}, "", true);
+    EXPECT_EQ(errors.status, 3);
+    EXPECT_NE(errors.out.find("nest more than"), std::string::npos);
+    const CliRun result = run({"--json", deep, "1+1"});
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0]["expression"], "1+1");
+}
+
+TEST(CliCompound, HugeRandomDiceAreReportedPlainly) {
+    const CliRun errors = run({"(1d6)d1000000"}, "", true);
+    EXPECT_EQ(errors.status, 3);
+    EXPECT_NE(errors.out.find("too much to calculate"), std::string::npos);
+}
+
 }  // namespace

@@ -61,7 +61,7 @@ TEST(Legend, OperandTextsAreNotTrimmed) {
 }
 
 TEST(Legend, ChallengeSuccessAndFailure) {
-    // Unreversed codes: -1 for success; reversing the legend expects the codes negated.
+    // Comparisons give 1 for success; with reversing off the legend reads -1 as success.
     const Profile profile = comparison("2d6ch7", "ch", {-1, 0});
     EXPECT_EQ(legend(profile, {{"reverse versus", "no"}}), "-1 = 2d6 succeeds\n0 = 2d6 fails\n");
     EXPECT_EQ(legend(profile), "0 = 2d6 fails\n");

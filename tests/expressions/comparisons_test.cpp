@@ -7,6 +7,8 @@
 #include <optional>
 #include <random>
 
+#include "expressions/expression.h"
+
 namespace talvex::language {
 namespace {
 
@@ -289,6 +291,62 @@ TEST_P(ComparisonAgainstBruteForce, AgreesForRandomSmallOperands) {
 
 INSTANTIATE_TEST_SUITE_P(Keywords, ComparisonAgainstBruteForce,
                          ::testing::Values("vs", "vt", "tt", "ch", "cw", "cl", "cu"));
+
+// ---- As typed: the comparator level hands every operand, rounded, to the comparison ------
+
+struct TypedCase {
+    const char* text;
+    std::map<std::string, std::pair<std::int64_t, std::int64_t>> expected;  // code -> fraction
+};
+
+class TypedComparison : public ::testing::TestWithParam<TypedCase> {};
+
+TEST_P(TypedComparison, GivesTheExpectedCodes) {
+    ExpressionDictionary expressions;
+    const auto expression = Expression::expressionWithString(GetParam().text, expressions);
+    const auto actual = probabilities(expression->profile());
+    ASSERT_EQ(actual.size(), GetParam().expected.size()) << GetParam().text;
+    for (const auto& [code, fraction] : GetParam().expected) {
+        ASSERT_TRUE(actual.contains(code)) << GetParam().text << " lacks " << code;
+        EXPECT_TRUE(isFraction(actual.at(code), fraction.first, fraction.second))
+            << GetParam().text << " " << code;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, TypedComparison,
+    ::testing::Values(
+        TypedCase{"1d6vt1d6", {{"1", {15, 36}}, {"-1", {15, 36}}, {"0", {6, 36}}}},
+        TypedCase{"2vt1", {{"1", {1, 1}}}}, TypedCase{"1vt2", {{"-1", {1, 1}}}},
+        TypedCase{"1vt1", {{"0", {1, 1}}}},
+        TypedCase{"1d2vt1d2vt1d2", {{"1", {1, 8}}, {"-1", {1, 8}}, {"-2", {1, 8}}, {"0", {5, 8}}}},
+        TypedCase{"(1/(1d2-1)+2)vt2", {{"NaN", {1, 2}}, {"1", {1, 2}}}},
+        TypedCase{"1cl1", {{"0", {1, 1}}}}, TypedCase{"1cu1", {{"NaN", {1, 1}}}},
+        TypedCase{"2cl1", {{"1", {1, 1}}}}, TypedCase{"1d6vs1d6", {{"1", {1, 2}}, {"-1", {1, 2}}}},
+        TypedCase{"1d6 vs 1d6 vs 1d6", {{"1", {1, 3}}, {"-1", {1, 3}}, {"-2", {1, 3}}}},
+        TypedCase{"1ch1", {{"1", {1, 2}}, {"0", {1, 2}}}},
+        TypedCase{"1d2tt1d2", {{"811", {1, 2}}, {"800", {1, 2}}}},
+        TypedCase{"1tt2", {{"800", {1, 1}}}},
+        TypedCase{"2d6cw7", {{"1", {21, 36}}, {"0", {15, 36}}}},
+        TypedCase{"2d6 ch 7", {{"1", {18, 36}}, {"0", {18, 36}}}},
+        // Operands compare at ten decimals: these two are one value.
+        TypedCase{"1.00000000001vt1", {{"0", {1, 1}}}}));
+
+TEST(TypedComparison, TheComparatorIsCarriedIntoTheProfile) {
+    ExpressionDictionary expressions;
+    EXPECT_EQ(
+        Expression::expressionWithString("3d6 vs 2d10", expressions)->profile().comparatorString(),
+        "vs");
+    EXPECT_EQ(Expression::expressionWithString("3d6+2", expressions)->profile().comparatorString(),
+              "");
+}
+
+TEST(TypedComparison, TwoDifferentComparatorsAtOneLevelAreUndefined) {
+    ExpressionDictionary expressions;
+    const auto profile = Expression::expressionWithString("1d6vs1d6vt1d6", expressions)->profile();
+    ASSERT_EQ(profile.evaluations().size(), 1U);
+    EXPECT_TRUE(profile.evaluations().front().quantity().isNotANumber());
+}
 
 }  // namespace
 }  // namespace talvex::language

@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+#include "expressions/exact_distribution.h"
+#include "expressions/hard_compound_expression.h"
+#include "expressions/test_support.h"
+
+namespace talvex::language {
+namespace {
+
+using testing::d;
+using testing::Distribution;
+using testing::matchesDistribution;
+using testing::Rational;
+
+core::Profile build(const std::string& text) {
+    ExpressionDictionary expressions;
+    return Expression::expressionWithString(text, expressions)->profile();
+}
+
+// Every outcome v of `value`, mapped by f, with its chance: one roll used at every occurrence.
+Distribution fixed(const Distribution& value, const std::function<Rational(Rational)>& f) {
+    Distribution result;
+    for (const auto& [outcome, chance] : value) {
+        result[outcome ? testing::Outcome(f(*outcome)) : std::nullopt] =
+            result[outcome ? testing::Outcome(f(*outcome)) : std::nullopt] + chance;
+    }
+    return result;
+}
+
+TEST(HardCompoundExpression, OneRollUsedTwice) {
+    ExpressionDictionary expressions;
+    const auto hard = Expression::expressionWithString("a~1d6;a+a", expressions);
+    EXPECT_EQ(hard->typeString(), "hard compound");
+    EXPECT_TRUE(
+        matchesDistribution(hard->profile(), fixed(d(1, 6), [](Rational v) { return v + v; })));
+    // A soft definition rolls twice.
+    EXPECT_TRUE(matchesDistribution(build("a=1d6;a+a"), d(2, 6)));
+}
+
+TEST(HardCompoundExpression, ParsingSplitsTheHardDefinitionOff) {
+    ExpressionDictionary expressions;
+    const auto expression =
+        Expression::expressionWithString("Roll: b=2; a ~ 1d6; c=3; a*b+c", expressions);
+    const auto* hard = dynamic_cast<const HardCompoundExpression*>(expression.get());
+    ASSERT_NE(hard, nullptr);
+    EXPECT_EQ(hard->hardSymbol(), "a");
+    EXPECT_EQ(hard->hardValue(), "1d6");
+    EXPECT_EQ(hard->remainingExpressionString(), "b=2;c=3;a*b+c");
+    EXPECT_EQ(hard->rawString(), "b=2;a~1d6;c=3;a*b+c");
+    EXPECT_TRUE(
+        matchesDistribution(hard->profile(), fixed(d(1, 6), [](Rational v) { return v * 2 + 3; })));
+}
+
+TEST(HardCompoundExpression, OneUseIsAnOrdinaryDefinition) {
+    EXPECT_TRUE(
+        matchesDistribution(build("a~1d6;a*3"), fixed(d(1, 6), [](Rational v) { return v * 3; })));
+    const core::Profile hard = build("a~1d6;a*3");
+    const core::Profile soft = build("a=1d6;a*3");
+    EXPECT_EQ(testing::outcomes(hard), testing::outcomes(soft));
+}
+
+TEST(HardCompoundExpression, UsesThroughOtherDefinitionsCount) {
+    EXPECT_TRUE(matchesDistribution(build("a~1d6;b=a;b+a"),
+                                    fixed(d(1, 6), [](Rational v) { return v + v; })));
+}
+
+TEST(HardCompoundExpression, AnUnusedDefinitionIsIgnored) {
+    EXPECT_TRUE(matchesDistribution(build("a~1d6;2d6"), d(2, 6)));
+}
+
+TEST(HardCompoundExpression, SeveralHardDefinitionsNest) {
+    Distribution expected;
+    for (const auto& [a, chanceA] : d(1, 4)) {
+        for (const auto& [b, chanceB] : d(1, 6)) {
+            const Rational value = *a * *b + *a + *b;
+            expected[value] = expected[value] + chanceA * chanceB;
+        }
+    }
+    EXPECT_TRUE(matchesDistribution(build("a~1d4;b~1d6;a*b+a+b"), expected));
+}
+
+TEST(HardCompoundExpression, AnUndefinedOutcomeOfTheValueIsPassedOn) {
+    // 1/(1d2-1) is undefined half of the time.
+    Distribution expected;
+    expected[std::nullopt] = Rational(1, 2);
+    expected[Rational(2)] = Rational(1, 2);
+    EXPECT_TRUE(matchesDistribution(build("a~1/(1d2-1);a+a"), expected));
+}
+
+TEST(HardCompoundExpression, ATildeOutsideEveryStatementIsUndefined) {
+    const core::Profile profile = build("1d6~3");
+    ASSERT_EQ(profile.evaluations().size(), 1U);
+    EXPECT_TRUE(profile.evaluations().front().quantity().isNotANumber());
+}
+
+TEST(HardCompoundExpression, ComparisonsInsideKeepTheirComparator) {
+    const core::Profile profile = build("a~1d6;(a+a)vt(a*2)");
+    EXPECT_EQ(profile.comparatorString(), "vt");
+    ASSERT_EQ(profile.evaluations().size(), 1U);
+    EXPECT_EQ(profile.evaluations().front().quantity().stringValue(), "0");
+}
+
+TEST(HardCompoundExpression, NotRecognisedWithoutATilde) {
+    EXPECT_FALSE(HardCompoundExpression::isExpressionString("a=1d6;a+a"));
+    EXPECT_TRUE(HardCompoundExpression::isExpressionString("x: a~1d6;a+a"));
+}
+
+// Against a direct enumeration: a name fixed to one roll of XdY and used two or three times.
+TEST(HardCompoundExpression, AgreesWithEnumerationForRandomDice) {
+    std::mt19937 random(4242);
+    struct Form {
+        const char* text;
+        std::function<Rational(Rational)> f;
+    };
+    const std::vector<Form> forms = {
+        {"a+a", [](Rational v) { return v + v; }},
+        {"a*a", [](Rational v) { return v * v; }},
+        {"a*a-a", [](Rational v) { return v * v - v; }},
+        {"a+a+a", [](Rational v) { return v + v + v; }},
+        {"(a+1)*a+2*a", [](Rational v) { return (v + 1) * v + v * 2; }},
+    };
+    for (int round = 0; round < 20; ++round) {
+        const long long count = 1 + static_cast<long long>(random() % 3);
+        const long long size = 2 + static_cast<long long>(random() % 7);
+        const Form& form = forms[random() % forms.size()];
+        const std::string text =
+            "a~" + std::to_string(count) + "d" + std::to_string(size) + ";" + form.text;
+        EXPECT_TRUE(matchesDistribution(build(text), fixed(d(count, size), form.f))) << text;
+    }
+}
+
+}  // namespace
+}  // namespace talvex::language
