@@ -7,46 +7,11 @@
 #include <cstdlib>
 #include <numbers>
 
+#include "expressions/function_expression.h"
 #include "expressions/hard_compound_expression.h"
 
 namespace talvex::language {
 namespace {
-
-constexpr std::array<std::string_view, 35> kFunctionNames = {"ln",
-                                                             "log",
-                                                             "exp",
-                                                             "sin",
-                                                             "cos",
-                                                             "tan",
-                                                             "round",
-                                                             "floor",
-                                                             "ceil",
-                                                             "abs",
-                                                             "arcsin",
-                                                             "arccos",
-                                                             "arctan",
-                                                             "mean",
-                                                             "stddev",
-                                                             "minval",
-                                                             "maxval",
-                                                             "values",
-                                                             "median",
-                                                             "mode",
-                                                             "range",
-                                                             "max",
-                                                             "min",
-                                                             "dieMult",
-                                                             "diePow",
-                                                             "diew",
-                                                             "dier",
-                                                             "die",
-                                                             "keep",
-                                                             "count",
-                                                             "confineweightrange",
-                                                             "confineweight",
-                                                             "confine",
-                                                             "criterion",
-                                                             "drop"};
 
 constexpr std::array<std::string_view, 6> kOperatorLevels = {"", "edcpvw", "^", "*/", "+-", "%"};
 constexpr std::string_view kOperators = "edcpvw^*/+-%";
@@ -67,8 +32,6 @@ std::string constantText(double value) {
 
 }  // namespace
 
-std::span<const std::string_view> functionNames() { return kFunctionNames; }
-
 std::span<const std::string_view> CompoundExpression::operatorLevelArray() {
     return kOperatorLevels;
 }
@@ -85,7 +48,10 @@ std::span<const std::pair<std::string_view, std::string>> CompoundExpression::co
     return kConstants;
 }
 
-std::span<const std::string_view> CompoundExpression::functionArray() { return functionNames(); }
+// One list of names for both kinds, so that a call inside a compound text is kept whole.
+std::span<const std::string_view> CompoundExpression::functionArray() {
+    return FunctionExpression::functionNames();
+}
 
 bool CompoundExpression::isExpressionString(std::string_view text) {
     if (const auto colon = text.find(':'); colon != std::string_view::npos) {
@@ -112,7 +78,7 @@ bool CompoundExpression::isExpressionString(std::string_view text) {
     const bool structured =
         occurs("(") || text.find_first_of(kOperators) != std::string_view::npos ||
         (semicolon != std::string_view::npos && semicolon + 1 < text.size()) ||
-        std::any_of(kFunctionNames.begin(), kFunctionNames.end(), occurs) ||
+        std::any_of(functionArray().begin(), functionArray().end(), occurs) ||
         std::any_of(kComparators.begin(), kComparators.end(), occurs) ||
         std::any_of(constants().begin(), constants().end(),
                     [&occurs](const auto& constant) { return occurs(constant.first); });
@@ -121,6 +87,7 @@ bool CompoundExpression::isExpressionString(std::string_view text) {
 
 ExpressionPointer CompoundExpression::create() { return std::make_shared<CompoundExpression>(); }
 
+// The hard (fixed-outcome) compound kind will be tried here once it exists.
 std::span<const ExpressionKind> CompoundExpression::descendants() const {
     // A compound text with a hard definition ("a~1d6;a+a") is handled by its own kind.
     static constexpr std::array<ExpressionKind, 1> kHard = {{

@@ -25,10 +25,6 @@ inline constexpr std::uint64_t kMaxRewritingWork = 2'000'000'000;
 // outcomes that those builds would combine, estimated before building any, are bounded.
 inline constexpr std::uint64_t kMaxDiceExpansionWork = 100'000'000;
 
-// The names of the functions, in the order in which a call is matched against them (longer
-// names that share a prefix come first).
-[[nodiscard]] std::span<const std::string_view> functionNames();
-
 // A text with structure: operators, parentheses, named functions, comparators, the named
 // constants "pi" and "ex", and definitions ("a=1d6;b=a+a;b*2").
 //

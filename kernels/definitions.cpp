@@ -6,6 +6,14 @@
 
 namespace talvex::language {
 
+core::Decimal DecimalRoundingBehaviour::round(const core::Decimal& value) const noexcept {
+    try {
+        return value.decimalRound(scale, mode);
+    } catch (const core::DecimalError&) {
+        return core::Decimal::notANumber();
+    }
+}
+
 unsigned KVTXSeedForUptime(long long milliseconds) noexcept {
     // The up-time is taken as a signed 32-bit duration, made non-negative.
     auto duration = static_cast<std::int32_t>(static_cast<std::uint32_t>(milliseconds));

@@ -7,6 +7,17 @@ namespace talvex::language {
 // Negates quantities in the die kernels.
 inline constexpr core::Decimal kKVDecimalNegativeOne{0, 1, 0, true, false};
 
+// The shared rounding behaviour for whole numbers: plain rounding (halves away from zero) to
+// scale 0 that never raises, not on inexact results and not on range faults.
+struct DecimalRoundingBehaviour {
+    int scale = 0;
+    core::RoundingMode mode = core::RoundingMode::Plain;
+
+    // The rounded value; undefined when rounding would leave the range.
+    [[nodiscard]] core::Decimal round(const core::Decimal& value) const noexcept;
+};
+inline constexpr DecimalRoundingBehaviour kKVRoundToIntDecimalHandler{0, core::RoundingMode::Plain};
+
 // Start-up: seeds the random source that every roll draws from with the milliseconds since the
 // machine started, modulo 3667679. Called once, before the first calculation.
 void KVTXInitializeDefinitions();

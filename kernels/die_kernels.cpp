@@ -1,0 +1,211 @@
+// Dice whose faces are whole expressions, dice of random count and size, and sums and products
+// of a random number of rolls.
+
+#include <cmath>
+#include <cstdint>
+#include <string>
+
+#include "core/calculation_limits.h"
+#include "kernels/definitions.h"
+#include "kernels/function_kernels.h"
+#include "kernels/kernel_support.h"
+#include "kernels/operator_kernels.h"
+
+namespace talvex::language {
+
+using core::Decimal;
+using core::Evaluation;
+using core::Profile;
+using kernel_support::constantProfile;
+
+namespace {
+
+// Combining pairs of outcomes over all the repeated rolls of one request. Each combination
+// also costs a copy and two normalisations, counted as this many pairs, so that a huge count
+// of a constant is refused as well.
+constexpr std::uint64_t kMaxRepeatedRollWork = core::kMaxOutcomePairs;
+constexpr std::uint64_t kCombinationOverhead = 16;
+
+// Counts the work of the repeated combinations and refuses to go beyond the limit.
+class RepeatedRollBudget {
+  public:
+    // Refuses at once when `combinations` alone would exceed the limit.
+    void reserve(std::int64_t combinations) {
+        if (combinations > 0) {
+            spend(static_cast<std::uint64_t>(combinations) * kCombinationOverhead, 0);
+        }
+    }
+    // Before combining profiles of `own` and `other` outcomes.
+    void charge(const Profile& own, const Profile& other) {
+        spend(kCombinationOverhead,
+              static_cast<std::uint64_t>(own.evaluations().size()) * other.evaluations().size());
+    }
+
+  private:
+    void spend(std::uint64_t overhead, std::uint64_t pairs) {
+        m_spent += overhead + pairs;
+        if (m_spent > kMaxRepeatedRollWork) {
+            throw core::CalculationTooLarge(
+                "repeating a roll that many times is too large to calculate");
+        }
+    }
+
+    std::uint64_t m_spent = 0;
+};
+
+// A count split into its whole part k (a 32-bit integer) and the fraction f = d - k.
+struct SplitCount {
+    std::int32_t whole = 0;
+    double fraction = 0;
+};
+
+SplitCount splitCount(const Decimal& count) {
+    const double value = count.doubleValue();
+    const std::int32_t whole = kernel_support::truncatedToInt32(std::floor(value));
+    return {whole, value - static_cast<double>(whole)};
+}
+
+}  // namespace
+
+Profile KVTXDieF(std::span<Profile> arguments) {
+    Profile result;
+    for (Profile& argument : arguments) {
+        argument.scaleToNormal();
+        result.addProfile(argument);
+    }
+    return result;
+}
+
+Profile KVTXDieWF(std::span<Profile> arguments) {
+    if (arguments.size() % 2 != 0) {
+        return Profile{};
+    }
+    Profile result;
+    for (std::size_t i = 0; i < arguments.size(); i += 2) {
+        const Decimal mean = arguments[i + 1].mean();
+        if (mean.isNotANumber()) {
+            return Profile{};
+        }
+        if (mean.compare(Decimal::zero()) > 0) {
+            arguments[i].scaleToTotalWeight(mean);
+            result.addProfile(arguments[i]);
+        }
+    }
+    return result;
+}
+
+Profile KVTXDieRF(std::span<Profile> arguments) {
+    if (arguments.size() != 2) {
+        return Profile{};
+    }
+    Profile result = arguments[0].copy();
+    // Equal dice texts recur for every pair that rounds alike; each is built once.
+    DiceRelationCache cache;
+    result.assimilateProfile(arguments[1], cachedDiceRelation('d', cache));
+    return result;
+}
+
+Profile KVTXDieMultF(std::span<Profile> arguments) {
+    if (arguments.size() != 2) {
+        return Profile{};
+    }
+    const Profile& roll = arguments.front();
+    Profile& counts = arguments.back();
+    counts.scaleToNormal();
+
+    Profile result;
+    RepeatedRollBudget budget;
+    Profile x = roll.copy();
+    for (const Evaluation& count : counts.evaluations()) {
+        const Decimal& weight = count.weight();
+        if (!count.isDefined()) {
+            result.addQuantity(Decimal::notANumber(), weight);
+            continue;
+        }
+        if (count.quantity().isZero()) {
+            Profile zero = constantProfile(Decimal::zero());
+            zero.scaleToTotalWeight(weight);
+            result.addProfile(zero);
+            continue;
+        }
+        bool changed = false;
+        Decimal n = count.quantity();
+        if (n.isNegative()) {
+            x.scaleQuantities(kKVDecimalNegativeOne);
+            n = n * kKVDecimalNegativeOne;
+            changed = true;
+        }
+        // The accumulator starts with one roll even for a whole part of zero: a count between
+        // 0 and 1 sums like one between 1 and 2.
+        Profile sum = x.copy();
+        const SplitCount split = splitCount(n);
+        budget.reserve(static_cast<std::int64_t>(split.whole) - 1);
+        for (std::int32_t i = 1; i < split.whole; ++i) {
+            budget.charge(sum, x);
+            sum.assimilateProfile(x, CompoundExpressionAdditionF);
+        }
+        if (split.fraction > 0) {
+            x.scaleQuantities(kernel_support::decimalFromDouble(split.fraction));
+            changed = true;
+            budget.charge(sum, x);
+            sum.assimilateProfile(x, CompoundExpressionAdditionF);
+        }
+        sum.scaleToTotalWeight(weight);
+        result.addProfile(sum);
+        if (changed) {
+            x = roll.copy();
+        }
+    }
+    return result;
+}
+
+Profile KVTXDiePowF(std::span<Profile> arguments) {
+    if (arguments.size() != 2) {
+        return Profile{};
+    }
+    const Profile& x = arguments.front();
+    Profile& counts = arguments.back();
+    counts.scaleToNormal();
+
+    Profile result;
+    RepeatedRollBudget budget;
+    for (const Evaluation& count : counts.evaluations()) {
+        const Decimal& weight = count.weight();
+        if (!count.isDefined()) {
+            result.addQuantity(Decimal::notANumber(), weight);
+            continue;
+        }
+        if (count.quantity().isZero()) {
+            // X's own weights, deliberately not scaled by the chance of the count 0.
+            result.addQuantity(Decimal::one(), x.definedWeight());
+            result.addQuantity(Decimal::notANumber(), x.undefinedWeight());
+            continue;
+        }
+        Profile product = x.copy();
+        const SplitCount split =
+            splitCount(count.quantity().absoluteValueChanged(nullptr, nullptr));
+        budget.reserve(static_cast<std::int64_t>(split.whole) - 1);
+        for (std::int32_t i = 1; i < split.whole; ++i) {
+            budget.charge(product, x);
+            product.assimilateProfile(x, CompoundExpressionMultiplicationF);
+        }
+        if (split.fraction > 0) {
+            Profile root = x.copy();
+            root.assimilateProfile(
+                constantProfile(kernel_support::decimalFromDouble(split.fraction)),
+                CompoundExpressionPowerF);
+            budget.charge(product, root);
+            product.assimilateProfile(root, CompoundExpressionMultiplicationF);
+        }
+        if (count.quantity().isNegative()) {
+            Profile reciprocal = constantProfile(Decimal::one());
+            reciprocal.assimilateProfile(product, CompoundExpressionDivisionF);
+            product = std::move(reciprocal);
+        }
+        product.scaleToTotalWeight(weight);
+        result.addProfile(product);
+    }
+    return result;
+}
+
+}  // namespace talvex::language
