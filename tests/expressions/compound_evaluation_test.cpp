@@ -89,14 +89,17 @@ TEST(CompoundEvaluation, ComparatorsTakeAllTheirOperandsAtOnce) {
     ASSERT_NE(two, nullptr);
     EXPECT_EQ(two->comparator(), "vs");
     // After the dice letters only the comparator marks are left, joining two, resp. three,
-    // profiles; the comparisons themselves are not built yet and give no outcomes.
+    // profiles, which one comparison takes all at once: one code per operand.
     EXPECT_EQ(std::string(two->subOperators().begin(), two->subOperators().end()), "d%d");
-    EXPECT_TRUE(testing::isEmptyProfile(two->profile()));
+    EXPECT_EQ(two->profile().evaluations().size(), 2U);
     EXPECT_EQ(two->profile().comparatorString(), "vs");
     const auto three = compound("1d6 vs 1d6 vs 1d6", expressions);
     ASSERT_NE(three, nullptr);
     EXPECT_EQ(std::string(three->subOperators().begin(), three->subOperators().end()), "d%d%d");
-    EXPECT_TRUE(testing::isEmptyProfile(three->profile()));
+    const auto codes = three->profile().evaluations();
+    ASSERT_EQ(codes.size(), 3U);
+    EXPECT_EQ(codes[0].quantity().stringValue(), "-2");
+    EXPECT_EQ(codes[2].quantity().stringValue(), "1");
 }
 
 TEST(CompoundEvaluation, ComparatorOperandsAreRoundedToTenDecimals) {
