@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/function_help.h"
 #include "cli/json_output.h"
 #include "cli/terminal_output.h"
 #include "core/calculation_limits.h"
@@ -160,6 +161,7 @@ int main(int argc, char** argv) {
     std::string colourMode = "auto";
     app.add_option("--color", colourMode, "Colour the reports: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
+    app.footer(talvex::cli::functionHelpText());
     app.set_version_flag("--version", std::string("talvex-cli ") + TALVEX_VERSION);
     try {
         app.parse(argc, argv);

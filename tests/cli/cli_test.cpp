@@ -250,4 +250,168 @@ TEST(CliCompound, HugeRandomDiceAreReportedPlainly) {
     EXPECT_NE(errors.out.find("too much to calculate"), std::string::npos);
 }
 
+TEST(CliFunction, BetterOfTwoDiceShowsSixWithElevenIn36) {
+    const CliRun result = run({"--json", "max(1d6,1d6)"});
+    ASSERT_EQ(result.status, 0);
+    const auto list = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(list.size(), 6U);
+    std::array<long long, 7> ways{};
+    for (int a = 1; a <= 6; ++a) {
+        for (int b = 1; b <= 6; ++b) {
+            ++ways[static_cast<std::size_t>(std::max(a, b))];
+        }
+    }
+    ASSERT_EQ(ways[6], 11);
+    for (std::size_t i = 0; i < 6; ++i) {
+        EXPECT_EQ(list[i]["quantity"], std::to_string(i + 1));
+        const std::string text = list[i]["probability"];
+        EXPECT_EQ(significantDigits(text, 30), significantDigits(fraction(ways[i + 1], 36), 30))
+            << text;
+    }
+}
+
+TEST(CliFunction, CriterionIsTheBinomialOfItsSuccesses) {
+    // Three dice of six sides, success on 1 or 2: C(3, k) 2^k 4^(3 - k) ways out of 216.
+    const CliRun result = run({"--json", "criterion(3,6,2)"});
+    ASSERT_EQ(result.status, 0);
+    const auto list = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(list.size(), 4U);
+    const std::array<long long, 4> choose = {1, 3, 3, 1};
+    for (std::size_t k = 0; k < 4; ++k) {
+        long long ways = choose[k];
+        for (std::size_t i = 0; i < 3; ++i) {
+            ways *= i < k ? 2 : 4;
+        }
+        EXPECT_EQ(list[k]["quantity"], std::to_string(k));
+        // The success indicator is summed in doubles: about 15 digits hold.
+        const std::string text = list[k]["probability"];
+        EXPECT_EQ(significantDigits(text, 12), significantDigits(fraction(ways, 216), 12)) << text;
+    }
+}
+
+TEST(CliFunction, FourDiceDropTheLowest) {
+    const CliRun result = run({"--json", "drop(1d6,4,1,0)"});
+    ASSERT_EQ(result.status, 0);
+    const auto list = jsonLines(result.out).front()["outcomes"];
+    ASSERT_EQ(list.size(), 16U);
+    // Every ordered roll of four dice, the lowest left out.
+    std::array<long long, 19> ways{};
+    for (int roll = 0; roll < 1296; ++roll) {
+        std::array<int, 4> dice = {roll % 6 + 1, roll / 6 % 6 + 1, roll / 36 % 6 + 1,
+                                   roll / 216 + 1};
+        std::sort(dice.begin(), dice.end());
+        ++ways[static_cast<std::size_t>(dice[1] + dice[2] + dice[3])];
+    }
+    ASSERT_EQ(ways[13], 172);
+    ASSERT_EQ(ways[18], 21);
+    for (std::size_t i = 0; i < 16; ++i) {
+        EXPECT_EQ(list[i]["quantity"], std::to_string(i + 3));
+        const std::string text = list[i]["probability"];
+        EXPECT_EQ(significantDigits(text, 30), significantDigits(fraction(ways[i + 3], 1296), 30))
+            << text;
+    }
+}
+
+TEST(CliFunction, EveryFunctionEvaluates) {
+    const std::vector<std::string> calls = {"ln(1d6)",
+                                            "log(1d6)",
+                                            "exp(1d2)",
+                                            "sin(1d6)",
+                                            "cos(1d6)",
+                                            "tan(1d6)",
+                                            "round(1d6/4)",
+                                            "floor(1d6/4)",
+                                            "ceil(1d6/4)",
+                                            "abs(1d6-4)",
+                                            "arcsin(1d3-2)",
+                                            "arccos(1d3-2)",
+                                            "arctan(1d6)",
+                                            "mean(2d6)",
+                                            "stddev(2d6)",
+                                            "minval(2d6)",
+                                            "maxval(2d6)",
+                                            "values(2d6)",
+                                            "median(2d6)",
+                                            "mode(2d6)",
+                                            "range(2d6)",
+                                            "max(1d6,1d8)",
+                                            "min(1d6,1d8)",
+                                            "dieMult(1d6,1d3)",
+                                            "diePow(1d6,2)",
+                                            "diew(1d6,1,1d8,2)",
+                                            "dier(1d3,6)",
+                                            "die(1d4,1d8)",
+                                            "keep(2d6,4,10,1d4)",
+                                            "count(3d6,10,12)",
+                                            "confineweightrange(2d6,0.25,0.75)",
+                                            "confineweight(2d6,0.1,1)",
+                                            "confine(3d6,5,10)",
+                                            "criterion(10,10,3)",
+                                            "drop(1d6,4,1,0)"};
+    ASSERT_EQ(calls.size(), 35U);
+    std::vector<std::string> arguments = {"--json"};
+    arguments.insert(arguments.end(), calls.begin(), calls.end());
+    const CliRun result = run(arguments);
+    ASSERT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), calls.size());
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        EXPECT_EQ(lines[i]["expression"], calls[i]);
+        // Each has a defined outcome.
+        const auto& outcomes = lines[i]["outcomes"];
+        EXPECT_TRUE(std::any_of(outcomes.begin(), outcomes.end(), [](const auto& outcome) {
+            return !outcome["quantity"].is_null();
+        })) << calls[i];
+    }
+}
+
+TEST(CliFunction, HelpListsEveryFunctionOnALineOfItsOwn) {
+    const CliRun result = run({"--help"});
+    ASSERT_EQ(result.status, 0);
+    for (const char* name : {"ln",
+                             "log",
+                             "exp",
+                             "sin",
+                             "cos",
+                             "tan",
+                             "round",
+                             "floor",
+                             "ceil",
+                             "abs",
+                             "arcsin",
+                             "arccos",
+                             "arctan",
+                             "mean",
+                             "stddev",
+                             "minval",
+                             "maxval",
+                             "values",
+                             "median",
+                             "mode",
+                             "range",
+                             "max",
+                             "min",
+                             "dieMult",
+                             "diePow",
+                             "diew",
+                             "dier",
+                             "die",
+                             "keep",
+                             "count",
+                             "confineweightrange",
+                             "confineweight",
+                             "confine",
+                             "criterion",
+                             "drop"}) {
+        const std::string line = std::string("\n  ") + name + "(";
+        const auto start = result.out.find(line);
+        ASSERT_NE(start, std::string::npos) << name;
+        // The call, then a description on the same line.
+        const auto end = result.out.find('\n', start + 1);
+        const std::string entry = result.out.substr(start + 1, end - start - 1);
+        EXPECT_GT(entry.find(") "), 0U) << entry;
+        EXPECT_GT(entry.size(), line.size() + 20) << entry;
+    }
+}
+
 }  // namespace
