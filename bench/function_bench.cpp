@@ -1,0 +1,33 @@
+#include <benchmark/benchmark.h>
+
+#include "expressions/expression.h"
+
+namespace {
+
+using talvex::language::Expression;
+using talvex::language::ExpressionDictionary;
+
+// Cold: a fresh dictionary every iteration, so the call and all its arguments are built.
+void buildCold(benchmark::State& state, const char* text) {
+    for (auto _ : state) {
+        ExpressionDictionary expressions;
+        auto expression = Expression::expressionWithString(text, expressions);
+        benchmark::DoNotOptimize(expression);
+    }
+}
+
+void BM_Keep_2d6(benchmark::State& state) { buildCold(state, "keep(2d6,4,10,1d4)"); }
+void BM_Criterion_10_10_3(benchmark::State& state) { buildCold(state, "criterion(10,10,3)"); }
+void BM_Confine_3d6(benchmark::State& state) { buildCold(state, "confine(3d6,5,10)"); }
+void BM_Drop_4d6_Lowest(benchmark::State& state) { buildCold(state, "drop(1d6,4,1,0)"); }
+void BM_Drop_10d20_3_3(benchmark::State& state) { buildCold(state, "drop(1d20,10,3,3)"); }
+void BM_Drop_20d6_5_5(benchmark::State& state) { buildCold(state, "drop(1d6,20,5,5)"); }
+
+BENCHMARK(BM_Keep_2d6)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Criterion_10_10_3)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Confine_3d6)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Drop_4d6_Lowest)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Drop_10d20_3_3)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Drop_20d6_5_5)->Unit(benchmark::kMillisecond);
+
+}  // namespace
