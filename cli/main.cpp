@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "app/startup.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
 #include "cli/terminal_output.h"
@@ -136,6 +137,7 @@ bool evaluate(const std::string& text, const Settings& settings,
 }  // namespace
 
 int main(int argc, char** argv) {
+    talvex::app::tuneMemoryAllocator();
     CLI::App app{"Talvex: exact probability distributions of dice expressions.", "talvex-cli"};
     Settings settings;
     app.add_option("EXPRESSION", settings.expressions,

@@ -161,7 +161,11 @@ const char* faultText(DecimalFault fault) noexcept {
     const U128 divisor = wide::pow10(split);
     U128 whole = 0;
     U128 remainder = 0;
-    if (wide::high(divisor) == 0) {
+    if (split == 1) {
+        std::uint64_t r = 0;
+        whole = wide::divide128By10(mSmall, r);
+        remainder = r;
+    } else if (wide::high(divisor) == 0) {
         std::uint64_t r = 0;
         whole = wide::divide128(mSmall, wide::low(divisor), r);
         remainder = r;
@@ -180,7 +184,7 @@ const char* faultText(DecimalFault fault) noexcept {
             return make(rounded, exponent, negative);
         }
         std::uint64_t lastDigit = 0;
-        const U128 kept = wide::divide128(sum, 10, lastDigit) + (lastDigit >= 5 ? 1 : 0);
+        const U128 kept = wide::divide128By10(sum, lastDigit) + (lastDigit >= 5 ? 1 : 0);
         return make(kept, exponent + 1, negative);
     }
     if (remainder == 0) {
@@ -222,7 +226,7 @@ const char* faultText(DecimalFault fault) noexcept {
             if (exponent < Decimal::kMaxExponent) {
                 // One digit too many: drop it, rounding half away from zero.
                 std::uint64_t lastDigit = 0;
-                const U128 kept = wide::divide128(sum, 10, lastDigit) + (lastDigit >= 5 ? 1 : 0);
+                const U128 kept = wide::divide128By10(sum, lastDigit) + (lastDigit >= 5 ? 1 : 0);
                 return make(kept, exponent + 1, bigNegative);
             }
             return roundExact(U256::from128(sum), exponent, bigNegative);

@@ -120,6 +120,23 @@ struct U256 {
     return make128(qHigh, qLow);
 }
 
+// n / 10 by multiplying with the reciprocal ceil(2^131 / 10), which is exact for every
+// 128-bit n; merging weights divides by ten so often that this pays.
+[[nodiscard]] inline U128 divide128By10(U128 n, std::uint64_t& rem) noexcept {
+    constexpr std::uint64_t kMagic = 0xCCCCCCCCCCCCCCCCULL;  // both halves; the low one + 1
+    const std::uint64_t n0 = low(n);
+    const std::uint64_t n1 = high(n);
+    const U128 p00 = static_cast<U128>(n0) * (kMagic + 1);
+    const U128 p01 = static_cast<U128>(n0) * kMagic;
+    const U128 p10 = static_cast<U128>(n1) * (kMagic + 1);
+    const U128 p11 = static_cast<U128>(n1) * kMagic;
+    const U128 middle = static_cast<U128>(high(p00)) + low(p01) + low(p10);
+    const U128 upper = p11 + high(p01) + high(p10) + high(middle);
+    const U128 q = upper >> 3;
+    rem = static_cast<std::uint64_t>(n - q * 10);
+    return q;
+}
+
 // n / d for a 64-bit divisor; `rem` receives the remainder.
 [[nodiscard]] inline U256 divideSmall(const U256& n, std::uint64_t d, std::uint64_t& rem) noexcept {
     U256 q;
