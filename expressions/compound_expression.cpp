@@ -87,7 +87,6 @@ bool CompoundExpression::isExpressionString(std::string_view text) {
 
 ExpressionPointer CompoundExpression::create() { return std::make_shared<CompoundExpression>(); }
 
-// The hard (fixed-outcome) compound kind will be tried here once it exists.
 std::span<const ExpressionKind> CompoundExpression::descendants() const {
     // A compound text with a hard definition ("a~1d6;a+a") is handled by its own kind.
     static constexpr std::array<ExpressionKind, 1> kHard = {{

@@ -83,23 +83,63 @@ TEST(CompoundEvaluation, ARandomCountMixesTheDiceByItsChances) {
     EXPECT_TRUE(matchesDistribution(profileOf("(1d2)d6"), expected));
 }
 
+// The comparison of the given operand texts, rounded to ten decimals, all at once.
+Profile comparedAtOnce(std::string_view comparator, std::initializer_list<const char*> texts) {
+    std::vector<Profile> operands;
+    for (const char* text : texts) {
+        operands.push_back(profileOf(text));
+        operands.back().scaleToNormal();
+    }
+    roundComparisonOperands(operands);
+    return comparisonProfile(comparator, operands);
+}
+
+::testing::AssertionResult sameOutcomes(const Profile& actual, const Profile& expected) {
+    const auto a = actual.evaluations();
+    const auto e = expected.evaluations();
+    if (a.size() != e.size()) {
+        return ::testing::AssertionFailure() << a.size() << " outcomes, expected " << e.size();
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i].quantity().compare(e[i].quantity()) != 0 ||
+            a[i].weight().compare(e[i].weight()) != 0) {
+            return ::testing::AssertionFailure()
+                   << "outcome " << i << ": " << a[i].quantity().stringValue() << " with "
+                   << a[i].weight().stringValue() << ", expected " << e[i].quantity().stringValue()
+                   << " with " << e[i].weight().stringValue();
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
 TEST(CompoundEvaluation, ComparatorsTakeAllTheirOperandsAtOnce) {
     ExpressionDictionary expressions;
     const auto two = compound("1d6vs1d6", expressions);
     ASSERT_NE(two, nullptr);
     EXPECT_EQ(two->comparator(), "vs");
     // After the dice letters only the comparator marks are left, joining two, resp. three,
-    // profiles, which one comparison takes all at once: one code per operand.
+    // profiles, which go to the comparison together.
     EXPECT_EQ(std::string(two->subOperators().begin(), two->subOperators().end()), "d%d");
-    EXPECT_EQ(two->profile().evaluations().size(), 2U);
+    EXPECT_TRUE(sameOutcomes(two->profile(), comparedAtOnce("vs", {"1d6", "1d6"})));
     EXPECT_EQ(two->profile().comparatorString(), "vs");
     const auto three = compound("1d6 vs 1d6 vs 1d6", expressions);
     ASSERT_NE(three, nullptr);
     EXPECT_EQ(std::string(three->subOperators().begin(), three->subOperators().end()), "d%d%d");
-    const auto codes = three->profile().evaluations();
-    ASSERT_EQ(codes.size(), 3U);
-    EXPECT_EQ(codes[0].quantity().stringValue(), "-2");
-    EXPECT_EQ(codes[2].quantity().stringValue(), "1");
+    EXPECT_TRUE(sameOutcomes(three->profile(), comparedAtOnce("vs", {"1d6", "1d6", "1d6"})));
+    // Not the first two compared and the outcome compared with the third.
+    std::vector<Profile> firstTwo{comparedAtOnce("vs", {"1d6", "1d6"}), profileOf("1d6")};
+    EXPECT_FALSE(sameOutcomes(three->profile(), comparisonProfile("vs", firstTwo)));
+}
+
+TEST(CompoundEvaluation, ComparatorsCompareAtTenDecimals) {
+    // Apart only in the eleventh decimal: a tie once rounded.
+    ExpressionDictionary expressions;
+    const auto close = compound("1.00000000001vt1", expressions);
+    ASSERT_NE(close, nullptr);
+    EXPECT_TRUE(sameOutcomes(close->profile(), comparedAtOnce("vt", {"1.00000000001", "1"})));
+    EXPECT_TRUE(sameOutcomes(close->profile(), comparedAtOnce("vt", {"1", "1"})));
+    const auto apart = compound("1.0000000001vt1", expressions);
+    EXPECT_FALSE(sameOutcomes(apart->profile(), close->profile()));
 }
 
 TEST(CompoundEvaluation, ComparatorOperandsAreRoundedToTenDecimals) {
