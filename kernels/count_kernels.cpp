@@ -19,22 +19,15 @@ Profile KVTXCountF(std::span<Profile> arguments) {
     if (arguments.size() != 3) {
         return Profile{};
     }
-    double undefinedChance = 0;
-    std::array<DefinedOutcomes, 3> prepared;
-    for (std::size_t i = 0; i < prepared.size(); ++i) {
-        if (!arguments[i].isDefined()) {
-            return Profile{};
-        }
-        prepared[i] = kernel_support::scaledToOneFoldingUndefined(arguments[i], undefinedChance);
+    const auto prepared = kernel_support::scaledBoundedArguments(arguments);
+    if (!prepared) {
+        return Profile{};
     }
-    const DefinedOutcomes& x = prepared[0];
-    const DefinedOutcomes& low = prepared[1];
-    const DefinedOutcomes& high = prepared[2];
+    const DefinedOutcomes& x = prepared->x;
+    const DefinedOutcomes& low = prepared->low;
+    const DefinedOutcomes& high = prepared->high;
 
-    Profile result;
-    if (undefinedChance > 0) {
-        result.addQuantity(Decimal::notANumber(), decimalFromDouble(undefinedChance));
-    }
+    Profile result = prepared->undefinedPart();
     double missed = 0;
     for (std::size_t h = 0; h < high.quantities.size(); ++h) {
         const double hi = high.quantities[h];

@@ -65,6 +65,16 @@ SplitCount splitCount(const Decimal& count) {
     return {whole, value - static_cast<double>(whole)};
 }
 
+// Combines `roll` into the accumulator, which already holds one roll, until it holds `whole`.
+void combineRepeatedly(Profile& accumulator, const Profile& roll, std::int32_t whole,
+                       core::FunctionKernel kernel, RepeatedRollBudget& budget) {
+    budget.reserve(static_cast<std::int64_t>(whole) - 1);
+    for (std::int32_t i = 1; i < whole; ++i) {
+        budget.charge(accumulator, roll);
+        accumulator.assimilateProfile(roll, kernel);
+    }
+}
+
 }  // namespace
 
 Profile KVTXDieF(std::span<Profile> arguments) {
@@ -139,11 +149,7 @@ Profile KVTXDieMultF(std::span<Profile> arguments) {
         // 0 and 1 sums like one between 1 and 2.
         Profile sum = x.copy();
         const SplitCount split = splitCount(n);
-        budget.reserve(static_cast<std::int64_t>(split.whole) - 1);
-        for (std::int32_t i = 1; i < split.whole; ++i) {
-            budget.charge(sum, x);
-            sum.assimilateProfile(x, CompoundExpressionAdditionF);
-        }
+        combineRepeatedly(sum, x, split.whole, CompoundExpressionAdditionF, budget);
         if (split.fraction > 0) {
             x.scaleQuantities(kernel_support::decimalFromDouble(split.fraction));
             changed = true;
@@ -184,11 +190,7 @@ Profile KVTXDiePowF(std::span<Profile> arguments) {
         Profile product = x.copy();
         const SplitCount split =
             splitCount(count.quantity().absoluteValueChanged(nullptr, nullptr));
-        budget.reserve(static_cast<std::int64_t>(split.whole) - 1);
-        for (std::int32_t i = 1; i < split.whole; ++i) {
-            budget.charge(product, x);
-            product.assimilateProfile(x, CompoundExpressionMultiplicationF);
-        }
+        combineRepeatedly(product, x, split.whole, CompoundExpressionMultiplicationF, budget);
         if (split.fraction > 0) {
             Profile root = x.copy();
             root.assimilateProfile(

@@ -19,18 +19,14 @@ Profile KVTXKeepF(std::span<Profile> arguments) {
         return Profile{};
     }
     // Each argument is checked and scaled in turn; the first wholly undefined one ends the call.
-    // U is the chance that X, low or high is undefined, taking them as independent.
-    double undefinedChance = 0;
-    std::array<DefinedOutcomes, 3> prepared;
-    for (std::size_t i = 0; i < prepared.size(); ++i) {
-        if (!arguments[i].isDefined()) {
-            return Profile{};
-        }
-        prepared[i] = kernel_support::scaledToOneFoldingUndefined(arguments[i], undefinedChance);
+    // X, low and high count as independent for the chance that any of them is undefined.
+    const auto prepared = kernel_support::scaledBoundedArguments(arguments);
+    if (!prepared) {
+        return Profile{};
     }
-    const DefinedOutcomes& x = prepared[0];
-    const DefinedOutcomes& low = prepared[1];
-    const DefinedOutcomes& high = prepared[2];
+    const DefinedOutcomes& x = prepared->x;
+    const DefinedOutcomes& low = prepared->low;
+    const DefinedOutcomes& high = prepared->high;
     // An undefined replacement is a replacement like any other, so R keeps all its outcomes.
     Profile& replacement = arguments[3];
     if (!replacement.isDefined()) {
@@ -39,10 +35,7 @@ Profile KVTXKeepF(std::span<Profile> arguments) {
     replacement.scaleToNormal();
     const std::vector<Evaluation> replacements = replacement.evaluations();
 
-    Profile result;
-    if (undefinedChance > 0) {
-        result.addQuantity(Decimal::notANumber(), decimalFromDouble(undefinedChance));
-    }
+    Profile result = prepared->undefinedPart();
     // The walk carries its weights as doubles so that the innermost loop does no Decimal
     // arithmetic; only the kept lists are scaled in Decimal.
     std::vector<Evaluation> kept;

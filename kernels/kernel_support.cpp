@@ -1,5 +1,6 @@
 #include "kernels/kernel_support.h"
 
+#include <array>
 #include <limits>
 
 namespace talvex::language::kernel_support {
@@ -46,6 +47,26 @@ DefinedOutcomes scaledToOneFoldingUndefined(Profile& argument, double& undefined
         undefinedChance = (1.0 - undefinedChance) * undefined + undefinedChance;
     }
     return definedOutcomesOf(argument);
+}
+
+std::optional<BoundedArguments> scaledBoundedArguments(std::span<Profile> arguments) {
+    BoundedArguments prepared;
+    const std::array<DefinedOutcomes*, 3> targets = {&prepared.x, &prepared.low, &prepared.high};
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        if (!arguments[i].isDefined()) {
+            return std::nullopt;
+        }
+        *targets[i] = scaledToOneFoldingUndefined(arguments[i], prepared.undefinedChance);
+    }
+    return prepared;
+}
+
+Profile BoundedArguments::undefinedPart() const {
+    Profile part;
+    if (undefinedChance > 0) {
+        part.addQuantity(Decimal::notANumber(), decimalFromDouble(undefinedChance));
+    }
+    return part;
 }
 
 }  // namespace talvex::language::kernel_support

@@ -3,6 +3,8 @@
 // Small pieces shared by the function kernels; not part of their interface.
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
 
 #include "core/decimal.h"
@@ -40,5 +42,21 @@ struct DefinedOutcomes {
 // undefined, (1 - U) x u + U.
 [[nodiscard]] DefinedOutcomes scaledToOneFoldingUndefined(core::Profile& argument,
                                                           double& undefinedChance);
+
+// X, low and high of keep and count, after each was checked and scaled in turn, and the chance
+// that any of them is undefined.
+struct BoundedArguments {
+    DefinedOutcomes x;
+    DefinedOutcomes low;
+    DefinedOutcomes high;
+    double undefinedChance = 0;
+
+    // The result's start: one undefined outcome of that chance, if any.
+    [[nodiscard]] core::Profile undefinedPart() const;
+};
+
+// Nothing as soon as one of the three has no defined outcome.
+[[nodiscard]] std::optional<BoundedArguments> scaledBoundedArguments(
+    std::span<core::Profile> arguments);
 
 }  // namespace talvex::language::kernel_support

@@ -36,6 +36,7 @@ using testing::Rational;
 using testing::shifted;
 using testing::sum;
 using testing::uniform;
+using testing::valueOf;
 using testing::wholeWeights;
 
 struct Row {
@@ -44,7 +45,6 @@ struct Row {
     const char* tolerance = kDecimalTolerance;
 };
 
-Distribution valueOf(long long num, long long den = 1) { return constant(Rational(num, den)); }
 Distribution undefined() { return testing::undefinedOutcome(); }
 
 Int128 floorOf(const Rational& value) {

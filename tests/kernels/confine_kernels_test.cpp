@@ -27,10 +27,8 @@ using testing::profileOf;
 using testing::profileWith;
 using testing::Rational;
 using testing::uniform;
+using testing::valueOf;
 using Outcomes = std::vector<std::pair<std::string, std::string>>;
-
-Distribution valueOf(long long value) { return constant(Rational(value)); }
-Distribution valueOf(long long num, long long den) { return constant(Rational(num, den)); }
 
 // 2d6 restricted to [low, 12], renormalised, computed straight from the counts of ways.
 Distribution twoDiceFrom(long long low) {
@@ -45,10 +43,7 @@ Distribution twoDiceFrom(long long low) {
     return result;
 }
 
-struct Case {
-    const char* text;
-    Distribution expected;
-};
+using Case = testing::TextCase;
 
 class Confine : public ::testing::TestWithParam<Case> {};
 

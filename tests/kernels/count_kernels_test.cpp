@@ -26,14 +26,10 @@ using testing::outcomes;
 using testing::profileOf;
 using testing::profileWith;
 using testing::Rational;
+using testing::valueOf;
 using Outcomes = std::vector<std::pair<std::string, std::string>>;
 
-Distribution valueOf(long long value) { return constant(Rational(value)); }
-
-struct Case {
-    const char* text;
-    Distribution expected;
-};
+using Case = testing::TextCase;
 
 class Counting : public ::testing::TestWithParam<Case> {};
 
@@ -64,9 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
              binomial(2, Rational(1, 2) * Rational(2, 4) + Rational(1, 2) * Rational(2, 5))},
         Case{"criterion(3,6,1d2)",
              binomial(3, Rational(1, 2) * Rational(1, 6) + Rational(1, 2) * Rational(2, 6))}),
-    [](const ::testing::TestParamInfo<Case>& param) {
-        return testing::nameOfText(param.param.text);
-    });
+    testing::nameOfCase);
 
 TEST(CountKernel, WrongCountsAreEmpty) {
     for (const char* text :

@@ -41,10 +41,7 @@ Distribution times(const Distribution& x, const Rational& factor) {
 }
 
 // Expression texts and their exact distributions.
-struct Case {
-    const char* text;
-    Distribution expected;
-};
+using Case = testing::TextCase;
 
 class DieFamily : public ::testing::TestWithParam<Case> {};
 
@@ -81,9 +78,7 @@ INSTANTIATE_TEST_SUITE_P(
                                             }
                                             return Rational(1) / (v - Rational(1));
                                         })}),
-    [](const ::testing::TestParamInfo<Case>& param) {
-        return testing::nameOfText(param.param.text);
-    });
+    testing::nameOfCase);
 
 TEST(DieKernels, NoArgumentsOrAnOddCountAreEmpty) {
     EXPECT_TRUE(isEmptyProfile(profileOf("die()")));

@@ -184,10 +184,7 @@ INSTANTIATE_TEST_SUITE_P(Seeds, RandomDrop, ::testing::Range(1U, 41U));
 
 // --- Expression texts ------------------------------------------------------------------------
 
-struct Case {
-    const char* text;
-    Distribution expected;
-};
+using Case = testing::TextCase;
 
 class Drop : public ::testing::TestWithParam<Case> {};
 
@@ -234,9 +231,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"drop(die(0-1.5,0.5,1000000000000),4,1,1)",
              dropOf({{Rational(-3, 2), 1}, {Rational(1, 2), 1}, {Rational(1000000000000LL), 1}}, 4,
                     1, 1)}),
-    [](const ::testing::TestParamInfo<Case>& param) {
-        return testing::nameOfText(param.param.text);
-    });
+    testing::nameOfCase);
 
 TEST(DropKernel, ClassicFourDiceDropTheLowestCountsExactly) {
     // Four dice are 1296 ordered rolls: the counting by faces works in whole numbers, so each

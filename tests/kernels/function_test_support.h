@@ -135,6 +135,17 @@ inline std::string nameOfText(const std::string& text) {
     return name;
 }
 
+// An expression text and its expected distribution, for tables of cases.
+struct TextCase {
+    const char* text;
+    Distribution expected;
+};
+
+// Tables whose texts repeat get the index appended.
+inline std::string nameOfCase(const ::testing::TestParamInfo<TextCase>& info) {
+    return nameOfText(info.param.text);
+}
+
 // --- Building expected distributions ---------------------------------------------------------
 
 // Each listed outcome equally likely (a repeated outcome counts as often as it is listed).
@@ -147,6 +158,9 @@ inline Distribution uniform(const std::vector<Outcome>& outcomes) {
 }
 
 inline Distribution constant(const Rational& value) { return certain(value); }
+inline Distribution valueOf(long long num, long long den = 1) {
+    return constant(Rational(num, den));
+}
 
 // The parts in proportion to their weights.
 inline Distribution mixture(const std::vector<std::pair<Distribution, Rational>>& parts) {

@@ -26,14 +26,10 @@ using testing::profileWith;
 using testing::Rational;
 using testing::undefinedOutcome;
 using testing::uniform;
+using testing::valueOf;
 using Outcomes = std::vector<std::pair<std::string, std::string>>;
 
-Distribution valueOf(long long value) { return constant(Rational(value)); }
-
-struct Case {
-    const char* text;
-    Distribution expected;
-};
+using Case = testing::TextCase;
 
 class Keep : public ::testing::TestWithParam<Case> {};
 
@@ -79,9 +75,7 @@ INSTANTIATE_TEST_SUITE_P(
               {Rational(1), Rational(1, 6)},
               {Rational(2), Rational(1, 6)},
               {Rational(3), Rational(1, 6)}}}),
-    [](const ::testing::TestParamInfo<Case>& param) {
-        return testing::nameOfText(param.param.text);
-    });
+    testing::nameOfCase);
 
 TEST(KeepKernel, ThreeArgumentsAreEmpty) {
     EXPECT_TRUE(isEmptyProfile(profileOf("keep(1d6,1,6)")));
