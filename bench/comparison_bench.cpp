@@ -1,20 +1,11 @@
 #include <benchmark/benchmark.h>
 
+#include "bench/bench_support.h"
 #include "expressions/expression.h"
 
 namespace {
 
-using talvex::language::Expression;
-using talvex::language::ExpressionDictionary;
-
-// Cold: a fresh dictionary every iteration, so every operand is built as well.
-void buildCold(benchmark::State& state, const char* text) {
-    for (auto _ : state) {
-        ExpressionDictionary expressions;
-        auto expression = Expression::expressionWithString(text, expressions);
-        benchmark::DoNotOptimize(expression);
-    }
-}
+using talvex::bench::buildCold;
 
 void BM_Versus_3d6_vs_2d10(benchmark::State& state) { buildCold(state, "3d6 vs 2d10"); }
 void BM_Versus_Four_20d6(benchmark::State& state) {

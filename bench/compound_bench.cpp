@@ -1,20 +1,11 @@
 #include <benchmark/benchmark.h>
 
+#include "bench/bench_support.h"
 #include "expressions/expression.h"
 
 namespace {
 
-using talvex::language::Expression;
-using talvex::language::ExpressionDictionary;
-
-// Cold: a fresh dictionary every iteration, so every dice text on the way is built anew.
-void buildCold(benchmark::State& state, const char* text) {
-    for (auto _ : state) {
-        ExpressionDictionary expressions;
-        auto expression = Expression::expressionWithString(text, expressions);
-        benchmark::DoNotOptimize(expression);
-    }
-}
+using talvex::bench::buildCold;
 
 void BM_Compound_3d6plus2(benchmark::State& state) { buildCold(state, "3d6+2"); }
 void BM_Compound_1d4d6(benchmark::State& state) { buildCold(state, "(1d4)d6"); }

@@ -1,5 +1,6 @@
 #include <benchmark/benchmark.h>
 
+#include "bench/bench_support.h"
 #include "expressions/expression.h"
 
 namespace {
@@ -7,14 +8,7 @@ namespace {
 using talvex::language::Expression;
 using talvex::language::ExpressionDictionary;
 
-// Cold: a fresh dictionary every iteration, so the whole chain is built.
-void buildCold(benchmark::State& state, const char* text) {
-    for (auto _ : state) {
-        ExpressionDictionary expressions;
-        auto expression = Expression::expressionWithString(text, expressions);
-        benchmark::DoNotOptimize(expression);
-    }
-}
+using talvex::bench::buildCold;
 
 void BM_Dice_3d6(benchmark::State& state) { buildCold(state, "3d6"); }
 void BM_Dice_10d6(benchmark::State& state) { buildCold(state, "10d6"); }

@@ -1,20 +1,11 @@
 #include <benchmark/benchmark.h>
 
+#include "bench/bench_support.h"
 #include "expressions/expression.h"
 
 namespace {
 
-using talvex::language::Expression;
-using talvex::language::ExpressionDictionary;
-
-// Cold: a fresh dictionary every iteration, so the call and all its arguments are built.
-void buildCold(benchmark::State& state, const char* text) {
-    for (auto _ : state) {
-        ExpressionDictionary expressions;
-        auto expression = Expression::expressionWithString(text, expressions);
-        benchmark::DoNotOptimize(expression);
-    }
-}
+using talvex::bench::buildCold;
 
 void BM_Keep_2d6(benchmark::State& state) { buildCold(state, "keep(2d6,4,10,1d4)"); }
 void BM_Criterion_10_10_3(benchmark::State& state) { buildCold(state, "criterion(10,10,3)"); }
