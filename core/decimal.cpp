@@ -158,20 +158,26 @@ const char* faultText(DecimalFault fault) noexcept {
         return std::nullopt;
     }
     const U128 wideBig = mBig * wide::pow10(widen);
-    const U128 divisor = wide::pow10(split);
     U128 whole = 0;
     U128 remainder = 0;
     if (split == 1) {
         std::uint64_t r = 0;
         whole = wide::divide128By10(mSmall, r);
         remainder = r;
-    } else if (wide::high(divisor) == 0) {
+    } else if (split <= 19) {
         std::uint64_t r = 0;
-        whole = wide::divide128(mSmall, wide::low(divisor), r);
+        whole = wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(split)), r);
         remainder = r;
     } else {
-        whole = mSmall / divisor;
-        remainder = mSmall - whole * divisor;
+        // Two divisions by 64-bit powers of ten are much cheaper than one by a 128-bit one.
+        constexpr int kChunk = 19;
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        const U128 partial =
+            wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(kChunk)), low);
+        whole =
+            wide::divide128(partial, static_cast<std::uint64_t>(wide::pow10(split - kChunk)), high);
+        remainder = static_cast<U128>(high) * wide::pow10(kChunk) + low;
     }
     const U128 half = 5 * wide::pow10(split - 1);
     if (sameSign) {
