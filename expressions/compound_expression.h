@@ -23,7 +23,7 @@ inline constexpr std::size_t kMaxNestedTextLength = 8U * 1024U * 1024U;
 inline constexpr std::uint64_t kMaxRewritingWork = 2'000'000'000;
 // Dice with random counts or sizes build one dice text per pair of whole numbers; the pairs of
 // outcomes that those builds would combine, estimated before building any, are bounded.
-inline constexpr std::uint64_t kMaxDiceExpansionWork = 30'000'000;
+inline constexpr std::uint64_t kMaxDiceExpansionWork = 10'000'000;
 
 // A text with structure: operators, parentheses, named functions, comparators, the named
 // constants "pi" and "ex", and definitions ("a=1d6;b=a+a;b*2").
