@@ -66,23 +66,31 @@ class Rational {
     [[nodiscard]] Int128 den() const { return m_den; }
     [[nodiscard]] bool isWhole() const { return m_den == 1; }
 
+    // Cross factors are cancelled first, so that the intermediate products stay small.
     friend Rational operator+(const Rational& a, const Rational& b) {
-        return {a.m_num * b.m_den + b.m_num * a.m_den, a.m_den * b.m_den};
+        const Int128 common = gcd(a.m_den, b.m_den);
+        const Int128 aFactor = b.m_den / common;
+        const Int128 bFactor = a.m_den / common;
+        return {a.m_num * aFactor + b.m_num * bFactor, a.m_den * aFactor};
     }
     friend Rational operator-(const Rational& a, const Rational& b) {
-        return {a.m_num * b.m_den - b.m_num * a.m_den, a.m_den * b.m_den};
+        return a + Rational(-b.m_num, b.m_den);
     }
     friend Rational operator*(const Rational& a, const Rational& b) {
-        return {a.m_num * b.m_num, a.m_den * b.m_den};
+        const Int128 ab = gcd(a.m_num, b.m_den);
+        const Int128 ba = gcd(b.m_num, a.m_den);
+        return {(a.m_num / ab) * (b.m_num / ba), (a.m_den / ba) * (b.m_den / ab)};
     }
     friend Rational operator/(const Rational& a, const Rational& b) {
-        return {a.m_num * b.m_den, a.m_den * b.m_num};
+        return a * Rational(b.m_den, b.m_num);
     }
     friend bool operator==(const Rational& a, const Rational& b) {
         return a.m_num == b.m_num && a.m_den == b.m_den;
     }
+    // Compared by whole parts and then, recursively, by the reciprocals of the remainders, so
+    // that no product can overflow.
     friend bool operator<(const Rational& a, const Rational& b) {
-        return a.m_num * b.m_den < b.m_num * a.m_den;
+        return less(a.m_num, a.m_den, b.m_num, b.m_den);
     }
 
     // Rounded to whole, halves away from zero.
@@ -116,22 +124,46 @@ class Rational {
     }
 
   private:
-    void reduce() {
-        if (m_den < 0) {
-            m_num = -m_num;
-            m_den = -m_den;
-        }
-        Int128 a = m_num < 0 ? -m_num : m_num;
-        Int128 b = m_den;
+    static Int128 gcd(Int128 a, Int128 b) {
+        a = a < 0 ? -a : a;
+        b = b < 0 ? -b : b;
         while (b != 0) {
             const Int128 t = a % b;
             a = b;
             b = t;
         }
-        if (a > 1) {
-            m_num /= a;
-            m_den /= a;
+        return a == 0 ? 1 : a;
+    }
+
+    static Int128 floorDivision(Int128 num, Int128 den) {
+        const Int128 quotient = num / den;
+        return (num % den != 0 && num < 0) ? quotient - 1 : quotient;
+    }
+
+    // an/ad < bn/bd for positive denominators.
+    static bool less(Int128 an, Int128 ad, Int128 bn, Int128 bd) {
+        const Int128 aWhole = floorDivision(an, ad);
+        const Int128 bWhole = floorDivision(bn, bd);
+        if (aWhole != bWhole) {
+            return aWhole < bWhole;
         }
+        const Int128 aRest = an - aWhole * ad;
+        const Int128 bRest = bn - bWhole * bd;
+        if (aRest == 0 || bRest == 0) {
+            return aRest == 0 && bRest != 0;
+        }
+        // aRest/ad < bRest/bd exactly when bd/bRest < ad/aRest.
+        return less(bd, bRest, ad, aRest);
+    }
+
+    void reduce() {
+        if (m_den < 0) {
+            m_num = -m_num;
+            m_den = -m_den;
+        }
+        const Int128 common = gcd(m_num, m_den);
+        m_num /= common;
+        m_den /= common;
     }
 
     Int128 m_num;
