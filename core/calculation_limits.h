@@ -20,5 +20,9 @@ inline constexpr std::size_t kMaxOutcomes = 1'000'000;
 inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
 // Dice in one dice text.
 inline constexpr long kMaxDice = 100'000;
+// Expressions held by one expressions dictionary: every sub-expression of every calculation
+// made with it, so that runaway enumerations (nested hard definitions) stop in bounded time
+// and memory.
+inline constexpr std::size_t kMaxExpressions = 100'000;
 
 }  // namespace talvex::core

@@ -284,8 +284,9 @@ Profile tieProfile(std::vector<Profile>& profiles) {
         }
     }
     // The weight of what was added: zero while nothing was (an empty profile reports one).
-    result.addQuantity(patternQuantity("8" + std::string(n, '0')),
-                       Decimal::one() - result.definedWeight());
+    std::string noTie(n + 1, '0');
+    noTie.front() = '8';
+    result.addQuantity(patternQuantity(noTie), Decimal::one() - result.definedWeight());
     return result;
 }
 

@@ -1,6 +1,9 @@
 #include "expressions/expression.h"
 
 #include <algorithm>
+#include <string>
+
+#include "core/calculation_limits.h"
 
 namespace talvex::language {
 
@@ -43,6 +46,11 @@ ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_vie
         if (const auto found = expressions->find(key); found != expressions->end()) {
             return found->second;
         }
+    }
+    if (expressions != nullptr && expressions->size() >= core::kMaxExpressions) {
+        throw core::CalculationTooLarge("the calculation needs more than " +
+                                        std::to_string(core::kMaxExpressions) +
+                                        " distinct sub-expressions");
     }
     Expression& self = *blank;
     self.m_rawString = std::move(key);

@@ -60,8 +60,8 @@ TEST_P(GoldenReport, PrintsExactlyTheGoldenText) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, GoldenReport, ::testing::ValuesIn(goldenNames()),
-                         [](const ::testing::TestParamInfo<std::string>& info) {
-                             return info.param;
+                         [](const ::testing::TestParamInfo<std::string>& file) {
+                             return file.param;
                          });
 
 TEST(GoldenReport, ThereAreGoldenFiles) { EXPECT_GE(goldenNames().size(), 10U); }

@@ -3,6 +3,7 @@
 #include <functional>
 #include <random>
 
+#include "core/calculation_limits.h"
 #include "expressions/exact_distribution.h"
 #include "expressions/hard_compound_expression.h"
 #include "expressions/test_support.h"
@@ -24,8 +25,11 @@ core::Profile build(const std::string& text) {
 Distribution fixed(const Distribution& value, const std::function<Rational(Rational)>& f) {
     Distribution result;
     for (const auto& [outcome, chance] : value) {
-        result[outcome ? testing::Outcome(f(*outcome)) : std::nullopt] =
-            result[outcome ? testing::Outcome(f(*outcome)) : std::nullopt] + chance;
+        testing::Outcome mapped;
+        if (outcome) {
+            mapped = f(*outcome);
+        }
+        result[mapped] = result[mapped] + chance;
     }
     return result;
 }
@@ -130,6 +134,19 @@ TEST(HardCompoundExpression, AgreesWithEnumerationForRandomDice) {
             "a~" + std::to_string(count) + "d" + std::to_string(size) + ";" + form.text;
         EXPECT_TRUE(matchesDistribution(build(text), fixed(d(count, size), form.f))) << text;
     }
+}
+
+TEST(HardCompoundExpression, RunawayEnumerationsStopAtTheDictionaryBound) {
+    // Nested hard definitions multiply the expressions they build (nine of them would build
+    // 6^9); every dictionary stops accepting new expressions at its bound. A dictionary
+    // filled almost to it shows the stop without waiting for the enumeration to get there.
+    ExpressionDictionary expressions;
+    for (std::size_t i = 0; expressions.size() + 20 < core::kMaxExpressions; ++i) {
+        static_cast<void>(Expression::expressionWithString(std::to_string(i), expressions));
+    }
+    EXPECT_THROW(
+        static_cast<void>(Expression::expressionWithString("a~1d6;b~1d6;a*a+b*b", expressions)),
+        core::CalculationTooLarge);
 }
 
 }  // namespace
