@@ -198,6 +198,11 @@ int main(int argc, char** argv) {
     ExpressionDictionary expressions;
     bool allCalculated = true;
     for (const std::string& text : settings.expressions) {
+        // The dictionary is only a memo: emptying it between expressions keeps a long run
+        // from reaching its bound, and changes no result.
+        if (expressions.size() > talvex::core::kMaxExpressions / 2) {
+            expressions.clear();
+        }
         if (!evaluate(text, settings, expressions)) {
             allCalculated = false;
         }
