@@ -84,6 +84,12 @@ std::string decimalFaultMessage(const talvex::core::DecimalError& error) {
     return error.what();
 }
 
+// An expression as a message names it: long texts are cut, so that a message stays a line.
+std::string shortened(const std::string& text) {
+    constexpr std::size_t kLongest = 80;
+    return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
+}
+
 bool shouldColourOutput(const std::string& mode) {
     return talvex::cli::shouldColour(
         mode, isatty(STDOUT_FILENO) == 1,
@@ -107,7 +113,10 @@ bool evaluate(const std::string& text, const Settings& settings,
             if (settings.rolls > 0) {
                 object["rolls"] = talvex::cli::rollsJson(rolls);
             }
-            std::cout << object.dump() << '\n';
+            // Text that is not valid UTF-8 is shown with replacement characters, not refused.
+            std::cout << object.dump(-1, ' ', false,
+                                     nlohmann::ordered_json::error_handler_t::replace)
+                      << '\n';
         } else {
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
@@ -130,7 +139,7 @@ bool evaluate(const std::string& text, const Settings& settings,
         problem = "the calculation needs more memory than is available";
     }
     std::cout.flush();
-    std::cerr << "talvex-cli: cannot calculate \"" << text << "\": " << problem << '\n';
+    std::cerr << "talvex-cli: cannot calculate \"" << shortened(text) << "\": " << problem << '\n';
     return false;
 }
 

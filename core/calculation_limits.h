@@ -18,6 +18,9 @@ class CalculationTooLarge : public std::runtime_error {
 inline constexpr std::size_t kMaxOutcomes = 1'000'000;
 // Outcome pairs of one combination of two profiles.
 inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
+// Outcome pairs combined, over all its steps, by a chain of dice (X dice as X-1 dice plus one):
+// a few seconds of work.
+inline constexpr std::size_t kMaxDiceChainPairs = 30'000'000;
 // Dice in one dice text.
 inline constexpr long kMaxDice = 100'000;
 // Expressions held by one expressions dictionary: every sub-expression of every calculation

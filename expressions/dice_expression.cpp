@@ -1,5 +1,6 @@
 #include "expressions/dice_expression.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <string>
@@ -122,6 +123,21 @@ void DiceExpression::checkDiceCount() const {
     }
 }
 
+void DiceExpression::checkChainWork(std::int64_t fromCount) const {
+    // Adding one die to k dice combines at most k(F-1)+1 outcomes with F faces; the steps
+    // still to be built are summed before any of them is.
+    const auto faces = static_cast<double>(singleDieOutcomes());
+    double pairs = 0;
+    for (std::int64_t k = std::max<std::int64_t>(fromCount, 1); k < m_x; ++k) {
+        pairs += (static_cast<double>(k) * (faces - 1) + 1) * faces;
+        if (pairs > static_cast<double>(core::kMaxDiceChainPairs)) {
+            throw core::CalculationTooLarge(
+                std::to_string(m_x) + " dice of " + std::to_string(singleDieOutcomes()) +
+                " outcomes each need too many combinations to calculate");
+        }
+    }
+}
+
 void DiceExpression::makeProfileWithExpressions(ExpressionDictionary& expressions) {
     if (m_x <= 1) {
         makeProfile();
@@ -136,6 +152,7 @@ void DiceExpression::makeProfileWithExpressions(ExpressionDictionary& expression
     while (known >= 1 && !expressions.contains(diceText(known, notation, m_y))) {
         --known;
     }
+    checkChainWork(known);
     for (std::int64_t count = known + 1; count < m_x - 1; ++count) {
         static_cast<void>(expressionWithString(diceText(count, notation, m_y), expressions));
     }
@@ -155,6 +172,7 @@ void DiceExpression::makeProfile() {
         ownProfile().addQuantity(Decimal::zero(), Decimal::one());
         return;
     }
+    checkChainWork(1);
     makeSingleDie();
     const core::Profile die = ownProfile().copy();
     for (std::int32_t i = 1; i < m_x; ++i) {
@@ -167,12 +185,18 @@ bool XdyExpression::isExpressionString(std::string_view text) {
 }
 ExpressionPointer XdyExpression::create() { return makeBlank<XdyExpression>(); }
 
+std::int64_t XdyExpression::singleDieOutcomes() const noexcept { return std::max(m_y, 1); }
+
 void XdyExpression::makeSingleDie() { ownProfile().setEvaluations(faces(m_y)); }
 
 bool XcyExpression::isExpressionString(std::string_view text) {
     return DiceExpression::isExpressionString(text) && hasLetter(text, 'c');
 }
 ExpressionPointer XcyExpression::create() { return makeBlank<XcyExpression>(); }
+
+std::int64_t XcyExpression::singleDieOutcomes() const noexcept {
+    return m_y >= 1 && m_y <= 9 ? 2 : 1;
+}
 
 void XcyExpression::makeSingleDie() {
     if (m_y <= 9) {
@@ -188,6 +212,10 @@ bool XpyExpression::isExpressionString(std::string_view text) {
 }
 ExpressionPointer XpyExpression::create() { return makeBlank<XpyExpression>(); }
 
+std::int64_t XpyExpression::singleDieOutcomes() const noexcept {
+    return m_y >= 1 && m_y <= 99 ? 2 : 1;
+}
+
 void XpyExpression::makeSingleDie() {
     if (m_y <= 99) {
         ownProfile().addQuantity(Decimal::one(), Decimal::decimalNumberWithInteger(m_y));
@@ -202,6 +230,8 @@ bool XvyExpression::isExpressionString(std::string_view text) {
 }
 ExpressionPointer XvyExpression::create() { return makeBlank<XvyExpression>(); }
 
+std::int64_t XvyExpression::singleDieOutcomes() const noexcept { return std::min(m_y, 10) + 1; }
+
 void XvyExpression::makeSingleDie() {
     m_y = std::min(m_y, 10);
     std::vector<Evaluation> list = faces(m_y);
@@ -214,6 +244,8 @@ bool XwyExpression::isExpressionString(std::string_view text) {
     return DiceExpression::isExpressionString(text) && hasLetter(text, 'w');
 }
 ExpressionPointer XwyExpression::create() { return makeBlank<XwyExpression>(); }
+
+std::int64_t XwyExpression::singleDieOutcomes() const noexcept { return std::min(m_y, 100) + 1; }
 
 void XwyExpression::makeSingleDie() {
     m_y = std::min(m_y, 100);

@@ -41,6 +41,11 @@ class DiceExpression : public Expression {
     }
 
     void checkDiceCount() const;
+    // Refuses a chain whose remaining steps, from `fromCount` dice on, would combine more
+    // outcome pairs than an interactive calculation should.
+    void checkChainWork(std::int64_t fromCount) const;
+    // The outcomes of one die of this notation at the current size.
+    [[nodiscard]] virtual std::int64_t singleDieOutcomes() const noexcept { return 1; }
 
     std::int32_t m_x = 0;
     std::int32_t m_y = 0;
@@ -56,6 +61,7 @@ class XdyExpression : public DiceExpression {
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
     [[nodiscard]] char letter() const noexcept override { return 'd'; }
     void makeSingleDie() override;
+    [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XdyExpressionF;
     }
@@ -71,6 +77,7 @@ class XcyExpression : public DiceExpression {
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
     [[nodiscard]] char letter() const noexcept override { return 'c'; }
     void makeSingleDie() override;
+    [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XcyExpressionF;
     }
@@ -86,6 +93,7 @@ class XpyExpression : public DiceExpression {
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
     [[nodiscard]] char letter() const noexcept override { return 'p'; }
     void makeSingleDie() override;
+    [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XpyExpressionF;
     }
@@ -101,6 +109,7 @@ class XvyExpression : public DiceExpression {
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
     [[nodiscard]] char letter() const noexcept override { return 'v'; }
     void makeSingleDie() override;
+    [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XvyExpressionF;
     }
@@ -116,6 +125,7 @@ class XwyExpression : public DiceExpression {
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
     [[nodiscard]] char letter() const noexcept override { return 'w'; }
     void makeSingleDie() override;
+    [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XwyExpressionF;
     }

@@ -414,4 +414,25 @@ TEST(CliFunction, HelpListsEveryFunctionOnALineOfItsOwn) {
     }
 }
 
+TEST(Cli, TextThatIsNotUtf8IsShownNotRefused) {
+    const CliRun result = run({"--json"},
+                              "\xff\xfe"
+                              "1d6\n");
+    EXPECT_EQ(result.status, 0);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines.front()["expression"],
+              "\xEF\xBF\xBD\xEF\xBF\xBD"
+              "1d6");
+}
+
+TEST(Cli, MessagesNameLongExpressionsShortly) {
+    const std::string text = "9000c5" + std::string(200, ' ');
+    const CliRun errors = run({text}, "", true);
+    EXPECT_EQ(errors.status, 3);
+    EXPECT_LT(errors.out.size(), 200U);
+    EXPECT_NE(errors.out.find("9000c5"), std::string::npos);
+    EXPECT_NE(errors.out.find("..."), std::string::npos);
+}
+
 }  // namespace

@@ -247,5 +247,26 @@ TEST(DiceExpression, RandomTextsOnlyFailWithReportableFaults) {
     }
 }
 
+TEST(DiceExpression, ChainsTooLongToCombineAreRefusedBeforeAnyWork) {
+    // Two-sided dice never underflow (their smallest chances round to 1E-128), so the work
+    // bound is what ends them; so too for hundreds of dice of hundreds of faces.
+    for (const char* text : {"21223d2", "411d411", "9000c5"}) {
+        ExpressionDictionary expressions;
+        EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)),
+                     core::CalculationTooLarge)
+            << text;
+        EXPECT_TRUE(expressions.empty()) << text;
+        EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text)),
+                     core::CalculationTooLarge)
+            << text;
+    }
+}
+
+TEST(DiceExpression, ChainsWithinTheBoundAreBuilt) {
+    ExpressionDictionary expressions;
+    const auto dice = Expression::expressionWithString("500d2", expressions);
+    EXPECT_EQ(dice->profile().evaluations().size(), 501U);
+}
+
 }  // namespace
 }  // namespace talvex::language
