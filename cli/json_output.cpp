@@ -35,11 +35,20 @@ ordered_json statisticsJson(const core::Profile& profile) {
         }
         return array;
     };
+    // A statistic that leaves the 38-digit range (the variance of outcomes near 1E100) is
+    // null like an undefined one; the distribution itself is still printed.
+    const auto guarded = [](auto statistic) -> ordered_json {
+        try {
+            return quantityJson(statistic());
+        } catch (const core::DecimalError&) {
+            return nullptr;
+        }
+    };
     const auto range = profile.range();
-    return {{"mean", quantityJson(profile.mean())},
-            {"variance", quantityJson(profile.variance())},
-            {"standard_deviation", quantityJson(profile.standardDeviation())},
-            {"mean_deviation", quantityJson(profile.meanDeviation())},
+    return {{"mean", guarded([&] { return profile.mean(); })},
+            {"variance", guarded([&] { return profile.variance(); })},
+            {"standard_deviation", guarded([&] { return profile.standardDeviation(); })},
+            {"mean_deviation", guarded([&] { return profile.meanDeviation(); })},
             {"median", quantityJson(profile.median())},
             {"mode", list(profile.mode())},
             {"mode_including_undefined", list(profile.modeIncludingUndefined())},

@@ -103,6 +103,14 @@ bool evaluate(const std::string& text, const Settings& settings,
     try {
         const auto expression = Expression::expressionWithString(text, expressions);
         talvex::core::Profile profile = expression->profile();
+        // Each roll walks the outcomes and is kept until printed.
+        constexpr double kMaxRollWork = 200'000'000;
+        if (static_cast<double>(settings.rolls) *
+                static_cast<double>(profile.evaluations().size()) >
+            kMaxRollWork) {
+            throw talvex::core::CalculationTooLarge(
+                "that many rolls of this many outcomes take too long");
+        }
         std::vector<talvex::core::Evaluation> rolls;
         for (int i = 0; i < settings.rolls; ++i) {
             rolls.push_back(profile.evaluation());
@@ -155,7 +163,7 @@ int main(int argc, char** argv) {
     app.add_flag("--json", settings.json, "Print one JSON object per expression (JSON Lines)");
     app.add_option("--seed", settings.seed, "Seed the random generator for the rolls");
     app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
-        ->check(CLI::NonNegativeNumber);
+        ->check(CLI::Range(0, 1000000));
     std::vector<std::string> sections;
     for (const char* section : {"statistics", "table", "diagram", "legend", "roll"}) {
         app.add_flag_callback(

@@ -21,6 +21,9 @@ inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
 // Outcome pairs combined, over all its steps, by a chain of dice (X dice as X-1 dice plus one):
 // a few seconds of work.
 inline constexpr std::size_t kMaxDiceChainPairs = 30'000'000;
+// Expressions under construction one inside the other (each level of parentheses or of a
+// function call takes about two); deeper texts would exhaust the stack.
+inline constexpr std::size_t kMaxConstructionDepth = 3000;
 // Dice in one dice text.
 inline constexpr long kMaxDice = 100'000;
 // Expressions held by one expressions dictionary: every sub-expression of every calculation

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
+
+#include "core/calculation_limits.h"
 
 namespace talvex::language {
 
@@ -10,6 +13,8 @@ using core::Evaluation;
 using core::Profile;
 
 namespace {
+
+constexpr std::size_t kMaxTieOperands = 12;
 
 using Comparison = Profile (*)(std::vector<Profile>&);
 
@@ -105,6 +110,15 @@ Profile versusProfile(std::vector<Profile>& profiles) {
         return std::move(*split);
     }
     const std::size_t n = profiles.size();
+    // Every outcome of every operand meets every other operand once.
+    double meetings = 0;
+    for (const Profile& profile : profiles) {
+        meetings += static_cast<double>(profile.evaluations().size()) * static_cast<double>(n);
+    }
+    if (meetings > static_cast<double>(core::kMaxOutcomePairs)) {
+        throw core::CalculationTooLarge(
+            "a comparison of this many outcomes is too large to calculate");
+    }
     // Each operand's outcomes, ascending, and the running weight up to each of them.
     std::vector<std::vector<Evaluation>> outcomes(n);
     std::vector<std::vector<Decimal>> running(n);
@@ -224,6 +238,12 @@ std::vector<TiePattern> tiesWithFirstInArray(std::span<const Decimal> first,
 }
 
 Profile tieProfile(std::vector<Profile>& profiles) {
+    // Tie patterns are one digit per operand after the marker, within 38 digits, and the
+    // patterns of a value grow with the subsets of operands that can share it.
+    if (profiles.size() > kMaxTieOperands) {
+        throw core::CalculationTooLarge("ties among more than " + std::to_string(kMaxTieOperands) +
+                                        " operands are too many to calculate");
+    }
     if (auto split = splitUndefined(profiles, tieProfile)) {
         return std::move(*split);
     }

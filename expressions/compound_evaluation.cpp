@@ -86,8 +86,8 @@ double facesOfOneDie(char letter, double size) {
 // An upper estimate of the outcome pairs that building every dice text of a re-expansion
 // would combine: for each size, the chain of counts up to the largest one, each count one
 // convolution with a single die.
-void checkExpansionWork(const std::vector<Evaluation>& counts, const std::vector<Evaluation>& sizes,
-                        char letter) {
+void expansionWork(const std::vector<Evaluation>& counts, const std::vector<Evaluation>& sizes,
+                   char letter) {
     double largestCount = 0;
     for (const Evaluation& count : counts) {
         if (count.isDefined()) {
@@ -114,6 +114,11 @@ void checkExpansionWork(const std::vector<Evaluation>& counts, const std::vector
 
 }  // namespace
 
+void checkDiceExpansionWork(const std::vector<Evaluation>& counts,
+                            const std::vector<Evaluation>& sizes, char letter) {
+    expansionWork(counts, sizes, letter);
+}
+
 Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
                         ExpressionDictionary& expressions) {
     Profile result;
@@ -123,7 +128,7 @@ Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
         return result;
     }
     checkPairs(counts.size(), sizes.size());
-    checkExpansionWork(counts, sizes, letter);
+    checkDiceExpansionWork(counts, sizes, letter);
     for (const Evaluation& count : counts) {
         for (const Evaluation& size : sizes) {
             const Decimal weight = count.weight() * size.weight();

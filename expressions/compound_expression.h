@@ -88,6 +88,11 @@ class CompoundExpression : public Expression {
 // The distribution of `left` dice (counts) of `right` sizes in the notation `letter`: every
 // pair of whole numbers becomes a dice text built through `expressions`, weighted by the
 // chance of the pair. An empty side gives an empty profile.
+// Refuses, before any dice text is built, random dice whose counts and sizes would combine
+// too many outcome pairs (an upper estimate over every pair of whole numbers).
+void checkDiceExpansionWork(const std::vector<core::Evaluation>& counts,
+                            const std::vector<core::Evaluation>& sizes, char letter);
+
 [[nodiscard]] core::Profile diceReexpansion(const core::Profile& left, const core::Profile& right,
                                             char letter, ExpressionDictionary& expressions);
 

@@ -47,6 +47,26 @@ ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_vie
             return found->second;
         }
     }
+    // Sub-expressions are built recursively (parentheses, function arguments, operands).
+    struct DepthGuard {
+        std::size_t* depth;
+        explicit DepthGuard(ExpressionDictionary* dictionary)
+            : depth(dictionary == nullptr ? nullptr : &dictionary->m_constructionDepth) {
+            if (depth != nullptr) {
+                ++*depth;
+            }
+        }
+        ~DepthGuard() {
+            if (depth != nullptr) {
+                --*depth;
+            }
+        }
+        DepthGuard(const DepthGuard&) = delete;
+        DepthGuard& operator=(const DepthGuard&) = delete;
+    } guard(expressions);
+    if (expressions != nullptr && expressions->m_constructionDepth > core::kMaxConstructionDepth) {
+        throw core::CalculationTooLarge("the expression is nested too deeply to calculate");
+    }
     if (expressions != nullptr && expressions->size() >= core::kMaxExpressions) {
         throw core::CalculationTooLarge("the calculation needs more than " +
                                         std::to_string(core::kMaxExpressions) +

@@ -17,7 +17,16 @@ using ExpressionPointer = std::shared_ptr<Expression>;
 
 // Cleaned text -> the expression built from it. Whoever starts a construction owns one and
 // hands it down; every expression built at any depth is added, so equal texts are built once.
-using ExpressionDictionary = std::unordered_map<std::string, ExpressionPointer>;
+// It also counts the constructions under way on it, one inside the other, so that a text
+// nested too deeply is refused before it exhausts the stack.
+class ExpressionDictionary : public std::unordered_map<std::string, ExpressionPointer> {
+  public:
+    [[nodiscard]] std::size_t constructionDepth() const noexcept { return m_constructionDepth; }
+
+  private:
+    friend class Expression;
+    std::size_t m_constructionDepth = 0;
+};
 
 // One kind that evolution may turn an expression into: its recognition test on the uncleaned
 // text, and a factory for a blank instance that then runs the whole pipeline.

@@ -42,6 +42,8 @@ Profile confined(std::span<Profile> arguments, ConfineBy test) {
     const DefinedOutcomes& x = prepared[0];
     const DefinedOutcomes& low = prepared[1];
     const DefinedOutcomes& high = prepared[2];
+    kernel_support::checkWork(
+        {prepared[0].quantities.size(), prepared[1].quantities.size(), high.quantities.size()});
 
     Profile result;
     // One scratch profile serves every pair of bounds.

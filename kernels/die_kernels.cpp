@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/calculation_limits.h"
+#include "expressions/compound_expression.h"
 #include "kernels/definitions.h"
 #include "kernels/function_kernels.h"
 #include "kernels/kernel_support.h"
@@ -108,6 +109,8 @@ Profile KVTXDieRF(std::span<Profile> arguments) {
     if (arguments.size() != 2) {
         return Profile{};
     }
+    // The same bound as dice letters used as operators: "dier(1d100,1d100)" is "(1d100)d(1d100)".
+    checkDiceExpansionWork(arguments[0].evaluations(), arguments[1].evaluations(), 'd');
     Profile result = arguments[0].copy();
     // Equal dice texts recur for every pair that rounds alike; each is built once.
     DiceRelationCache cache;

@@ -45,19 +45,30 @@ constexpr std::int64_t kMaxGridOffset = 1'000'000'000'000'000;
                                     " rolls is too large to calculate");
 }
 
+// Work of one count (its own bound) and of the whole call (a random count can ask for many
+// counts, each within its bound on its own).
 class DropBudget {
   public:
-    explicit DropBudget(std::int64_t rolls) : m_rolls(rolls) {}
+    DropBudget(std::int64_t rolls, std::uint64_t* sharedWork)
+        : m_rolls(rolls), m_shared(sharedWork) {}
     void spend(std::uint64_t work) {
         m_spent += work;
         if (m_spent > kMaxDropWork) {
             refuse(m_rolls);
+        }
+        if (m_shared != nullptr) {
+            *m_shared += work;
+            if (*m_shared > kMaxDropWork) {
+                throw core::CalculationTooLarge(
+                    "drop with these random counts is too large to calculate");
+            }
         }
     }
 
   private:
     std::int64_t m_rolls;
     std::uint64_t m_spent = 0;
+    std::uint64_t* m_shared;
 };
 
 // One defined face: its value, its offset on the grid of steps (grid counting only) and its
@@ -159,8 +170,8 @@ std::int64_t keptPlaces(std::int64_t first, std::int64_t count, std::int64_t low
 // the binomial chance of t among r, given that none of them shows a lower face.
 template <class Sums>
 Sums countKeptSums(const std::vector<Face>& faces, std::int64_t rolls, std::int64_t low,
-                   std::int64_t high, Arithmetic arithmetic) {
-    DropBudget budget(rolls);
+                   std::int64_t high, Arithmetic arithmetic, std::uint64_t* sharedWork) {
+    DropBudget budget(rolls, sharedWork);
     const auto places = static_cast<std::size_t>(rolls) + 1;
     std::vector<Sums> placed(places);
     placed[0].add(typename Sums::Key{}, Decimal::one());
@@ -272,7 +283,8 @@ bool allWhole(const std::vector<Evaluation>& faces) {
 }  // namespace
 
 std::vector<Evaluation> KVDropHelper(const std::vector<Evaluation>& faces, std::int64_t rolls,
-                                     std::int64_t dropLowest, std::int64_t dropHighest) {
+                                     std::int64_t dropLowest, std::int64_t dropHighest,
+                                     std::uint64_t* sharedWork) {
     rolls = std::max<std::int64_t>(rolls, 0);
     dropLowest = std::clamp<std::int64_t>(dropLowest, 0, rolls);
     dropHighest = std::clamp<std::int64_t>(dropHighest, 0, rolls);
@@ -346,12 +358,12 @@ std::vector<Evaluation> KVDropHelper(const std::vector<Evaluation>& faces, std::
     const std::int64_t keptEnd = rolls - dropHighest;
     if (const std::optional<Decimal> step = placeOnGrid(defined, keptDice, rolls)) {
         const Decimal lowest = Decimal::decimalNumberWithInteger(keptDice) * defined.front().value;
-        countKeptSums<GridSums>(defined, rolls, dropLowest, keptEnd, arithmetic)
+        countKeptSums<GridSums>(defined, rolls, dropLowest, keptEnd, arithmetic, sharedWork)
             .forEach([&](std::int64_t offset, const Decimal& weight) {
                 add(lowest + Decimal::decimalNumberWithInteger(offset) * *step, weight);
             });
     } else {
-        countKeptSums<DecimalSums>(defined, rolls, dropLowest, keptEnd, arithmetic)
+        countKeptSums<DecimalSums>(defined, rolls, dropLowest, keptEnd, arithmetic, sharedWork)
             .forEach([&](const Decimal& sum, const Decimal& weight) { add(sum, weight); });
     }
     return result;
@@ -403,8 +415,16 @@ Profile KVTXDropF(std::span<Profile> arguments) {
     }
 
     std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t>, std::vector<Evaluation>> sums;
+    std::uint64_t callWork = 0;
     std::vector<Evaluation> mixture;
     Decimal undefinedWeight = Decimal::zero();
+    // Every combination of the counts is one mixture entry; their number is bounded first.
+    if (static_cast<double>(rolls.size()) * static_cast<double>(lowest.size()) *
+            static_cast<double>(highest.size()) >
+        static_cast<double>(core::kMaxOutcomePairs) / 100) {
+        throw core::CalculationTooLarge(
+            "drop with this many different counts is too large to calculate");
+    }
     for (const auto& [n, rollsWeight] : rolls) {
         for (const auto& [l, lowestWeight] : lowest) {
             for (const auto& [h, highestWeight] : highest) {
@@ -414,14 +434,15 @@ Profile KVTXDropF(std::span<Profile> arguments) {
                     continue;
                 }
                 // Dropping more dice than were rolled keeps none, whichever end they come from.
-                const bool keepsNone = *l + *h >= *n;
+                const bool keepsNone = *l >= *n || *h >= *n - *l;  // no overflow near 2^63
                 const auto key = keepsNone ? std::make_tuple(*n, *n, std::int64_t{0})
                                            : std::make_tuple(*n, *l, *h);
                 auto found = sums.find(key);
                 if (found == sums.end()) {
-                    found = sums.emplace(key, KVDropHelper(faces, std::get<0>(key),
-                                                           std::get<1>(key), std::get<2>(key)))
-                                .first;
+                    found =
+                        sums.emplace(key, KVDropHelper(faces, std::get<0>(key), std::get<1>(key),
+                                                       std::get<2>(key), &callWork))
+                            .first;
                 }
                 for (const Evaluation& sum : found->second) {
                     mixture.emplace_back(sum.quantity(), sum.weight() * weight);

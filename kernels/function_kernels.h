@@ -68,11 +68,13 @@ namespace talvex::language {
 // The distribution of the kept sum for fixed counts: `faces` are the outcomes of one roll with
 // relative weights (an undefined face makes any roll that shows it undefined). The answer's
 // weights are probabilities that sum to one. The rolls are counted as multisets, face by face
-// in ascending order, so the cost grows polynomially in `rolls`.
+// in ascending order, so the cost grows polynomially in `rolls`. `sharedWork`, if given, adds
+// this count's work to a total that one call of drop may not exceed.
 [[nodiscard]] std::vector<core::Evaluation> KVDropHelper(const std::vector<core::Evaluation>& faces,
                                                          std::int64_t rolls,
                                                          std::int64_t dropLowest,
-                                                         std::int64_t dropHighest);
+                                                         std::int64_t dropHighest,
+                                                         std::uint64_t* sharedWork = nullptr);
 
 // --- Combinators and statistics --------------------------------------------------------------
 

@@ -34,6 +34,8 @@ Profile KVTXKeepF(std::span<Profile> arguments) {
     }
     replacement.scaleToNormal();
     const std::vector<Evaluation> replacements = replacement.evaluations();
+    kernel_support::checkWork(
+        {replacements.size(), x.quantities.size(), low.quantities.size(), high.quantities.size()});
 
     Profile result = prepared->undefinedPart();
     // The walk carries its weights as doubles so that the innermost loop does no Decimal

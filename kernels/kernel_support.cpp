@@ -3,6 +3,8 @@
 #include <array>
 #include <limits>
 
+#include "core/calculation_limits.h"
+
 namespace talvex::language::kernel_support {
 
 using core::Decimal;
@@ -58,7 +60,21 @@ std::optional<BoundedArguments> scaledBoundedArguments(std::span<Profile> argume
         }
         *targets[i] = scaledToOneFoldingUndefined(arguments[i], prepared.undefinedChance);
     }
+    checkWork({prepared.x.quantities.size(), prepared.low.quantities.size(),
+               prepared.high.quantities.size()});
     return prepared;
+}
+
+void checkWork(std::initializer_list<std::size_t> sizes) {
+    // Every combination of the arguments' outcomes is visited once.
+    double combinations = 1;
+    for (const std::size_t size : sizes) {
+        combinations *= static_cast<double>(size);
+    }
+    if (combinations > static_cast<double>(core::kMaxOutcomePairs)) {
+        throw core::CalculationTooLarge(
+            "a function whose arguments have this many outcomes is too large to calculate");
+    }
 }
 
 Profile BoundedArguments::undefinedPart() const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <initializer_list>
+
 // Small pieces shared by the function kernels; not part of their interface.
 
 #include <cstdint>
@@ -55,7 +57,12 @@ struct BoundedArguments {
     [[nodiscard]] core::Profile undefinedPart() const;
 };
 
-// Nothing as soon as one of the three has no defined outcome.
+// Refuses a call that would visit more combinations of the arguments' outcomes (the product
+// of `sizes`) than one combination of two profiles may.
+void checkWork(std::initializer_list<std::size_t> sizes);
+
+// Nothing as soon as one of the three has no defined outcome. Refuses, as checkWork, three
+// arguments with too many combinations of outcomes.
 [[nodiscard]] std::optional<BoundedArguments> scaledBoundedArguments(
     std::span<core::Profile> arguments);
 

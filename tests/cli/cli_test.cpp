@@ -435,4 +435,21 @@ TEST(Cli, MessagesNameLongExpressionsShortly) {
     EXPECT_NE(errors.out.find("..."), std::string::npos);
 }
 
+TEST(Cli, StatisticsBeyondTheRangeAreNullButTheDistributionStays) {
+    const CliRun result = run({"--json", "die(10^100,0-10^100)"});
+    ASSERT_EQ(result.status, 0);
+    const auto object = jsonLines(result.out).front();
+    EXPECT_EQ(object["outcomes"].size(), 2U);
+    EXPECT_TRUE(object["statistics"]["variance"].is_null());
+    EXPECT_EQ(object["statistics"]["mean"], "0");
+}
+
+TEST(Cli, RollsAreBounded) {
+    const CliRun tooMany = run({"--rolls", "2000000000", "1d6"}, "", true);
+    EXPECT_EQ(tooMany.status, 2);
+    const CliRun tooLong = run({"--rolls", "100000", "1d1000000"}, "", true);
+    EXPECT_EQ(tooLong.status, 3);
+    EXPECT_NE(tooLong.out.find("rolls"), std::string::npos);
+}
+
 }  // namespace

@@ -1,0 +1,84 @@
+// Calculations too large for an interactive calculator end with CalculationTooLarge, quickly,
+// instead of running for minutes, exhausting memory or the stack.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/calculation_limits.h"
+#include "expressions/expression.h"
+#include "expressions/test_support.h"
+
+namespace talvex::language {
+namespace {
+
+std::string repeated(const std::string& piece, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += piece;
+    }
+    return text;
+}
+
+void expectTooLarge(const std::string& text) {
+    ExpressionDictionary expressions;
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)),
+                 core::CalculationTooLarge)
+        << text.substr(0, 60);
+}
+
+TEST(RequestLimits, DeeplyNestedFunctionCallsAreRefusedBeforeTheStackRunsOut) {
+    expectTooLarge(repeated("abs(", 1500) + "1" + repeated(")", 1500));
+    expectTooLarge(repeated("max(", 1500) + "1d6" + repeated(")", 1500));
+    expectTooLarge("a~" + repeated("abs(", 1500) + "1d6" + repeated(")", 1500) + ";a+a");
+}
+
+TEST(RequestLimits, ModeratelyNestedCallsAreCalculated) {
+    ExpressionDictionary expressions;
+    const auto nested = Expression::expressionWithString(
+        repeated("abs(", 200) + "0-1d6" + repeated(")", 200), expressions);
+    EXPECT_EQ(testing::outcomes(nested->profile()).size(), 6U);
+    EXPECT_EQ(expressions.constructionDepth(), 0U);
+}
+
+TEST(RequestLimits, DropCountsNearTheIntegerLimitKeepNothing) {
+    ExpressionDictionary expressions;
+    const auto drop = Expression::expressionWithString("drop(1d6,5,9e18,9e18)", expressions);
+    const auto outcomes = testing::outcomes(drop->profile());
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes.front().first, "0");
+}
+
+TEST(RequestLimits, DropWithManyRandomCountsIsBoundedAsAWhole) {
+    expectTooLarge("drop(1d6,1d60,1d20,1d20)");
+}
+
+TEST(RequestLimits, TiesAmongTooManyOperandsAreRefused) {
+    std::string ties = "1d6";
+    std::string versus = "1d6";
+    for (int i = 0; i < 13; ++i) {
+        ties += "tt1d6";
+        versus += "vs1d6";
+    }
+    expectTooLarge(ties);
+    expectTooLarge(versus);
+    // Without tie patterns, "vt" takes many operands.
+    std::string many = "1";
+    for (int i = 2; i <= 40; ++i) {
+        many += "vt" + std::to_string(i);
+    }
+    ExpressionDictionary expressions;
+    const auto profile = Expression::expressionWithString(many, expressions)->profile();
+    ASSERT_EQ(profile.evaluations().size(), 1U);
+    EXPECT_EQ(profile.evaluations().front().quantity().stringValue(), "-39");
+}
+
+TEST(RequestLimits, FunctionsOverTooManyCombinationsAreRefused) {
+    expectTooLarge("count(1d10000,1d1000,1d1000)");
+    expectTooLarge("keep(1d100,1d100,1d100,1d100)");
+    expectTooLarge("confine(1d1000,1d1000,1d1000)");
+    expectTooLarge("dier(1d100,1d100)");
+}
+
+}  // namespace
+}  // namespace talvex::language
