@@ -10,6 +10,7 @@
 
 #include "expressions/expression.h"
 #include "kernels/definitions.h"
+#include "kernels/kernel_support.h"
 
 namespace talvex::language {
 
@@ -30,12 +31,7 @@ bool eitherUndefined(const Decimal& a, const Decimal& b) noexcept {
 // The whole part of a double as a 32-bit integer, truncated; out of range (as the hardware
 // conversion does) the most negative value.
 Decimal decimalFromInt32(double value) {
-    constexpr double kLowest = -2147483648.0;
-    constexpr double kBeyond = 2147483648.0;
-    if (!(value >= kLowest && value < kBeyond)) {
-        return Decimal::decimalNumberWithInteger(std::numeric_limits<std::int32_t>::min());
-    }
-    return Decimal::decimalNumberWithInteger(static_cast<std::int32_t>(value));
+    return Decimal::decimalNumberWithInteger(kernel_support::truncatedToInt32(value));
 }
 
 // A one-argument kernel in double precision: undefined arguments stay undefined.
