@@ -1,0 +1,176 @@
+#pragma once
+
+// In-memory stand-ins for everything the controller reaches outside itself.
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/controller/request_log.h"
+#include "app/defaults_store.h"
+#include "app/file_system.h"
+#include "app/ports.h"
+
+namespace talvex::app::fakes {
+
+struct FakePopUp {
+    std::vector<std::string> titles;
+    // -1 when nothing is selected.
+    long selected = -1;
+};
+
+class FakeWindow final : public MainWindow {
+  public:
+    FakeWindow();
+
+    [[nodiscard]] std::string fieldText(TextField field) const override;
+    [[nodiscard]] core::StyledText fieldAttributedText(TextField field) const override;
+    void setFieldText(TextField field, const std::string& text) override;
+    void setFieldAttributedText(TextField field, const core::StyledText& text) override;
+    [[nodiscard]] std::string viewText(TextView view) const override;
+    void setViewAttributedText(TextView view, const core::StyledText& text) override;
+    void clearView(TextView view) override;
+    [[nodiscard]] std::vector<std::string> popUpTitles(PopUp popUp) const override;
+    void insertPopUpTitle(PopUp popUp, const std::string& title, std::size_t index) override;
+    void selectPopUpTitle(PopUp popUp, const std::string& title) override;
+    void selectPopUpIndex(PopUp popUp, std::size_t index) override;
+    [[nodiscard]] std::string selectedPopUpTitle(PopUp popUp) const override;
+    void removeAllPopUpItems(PopUp popUp) override;
+    [[nodiscard]] bool isChecked(CheckBox box) const override;
+    void setChecked(CheckBox box, bool on) override;
+    [[nodiscard]] double tableFieldHeight() const override { return m_tableFieldHeight; }
+    void placeCaretAtEnd() override { ++m_caretPlacements; }
+    [[nodiscard]] std::string selectedTabLabel() const override { return m_tab; }
+    void selectTab(const std::string& label) override { m_tab = label; }
+    void showMessage(const std::string& message) override { m_message = message; }
+    void runOnNextTurn(std::function<void()> work) override;
+
+    // For the tests.
+    void setTableFieldHeight(double height) { m_tableFieldHeight = height; }
+    // Runs what the one-shot timer holds, as the event loop's next turn would.
+    void runPendingTimers();
+    [[nodiscard]] std::size_t pendingTimers() const { return m_timers.size(); }
+    [[nodiscard]] int caretPlacements() const { return m_caretPlacements; }
+    [[nodiscard]] const std::string& message() const { return m_message; }
+    [[nodiscard]] std::string viewPlainText(TextView view) const { return viewText(view); }
+    // How often each field was written: a repeated request must not redisplay.
+    [[nodiscard]] int fieldWrites(TextField field) const;
+
+  private:
+    std::array<core::StyledText, kDisplayPairCount> m_fields;
+    std::array<core::StyledText, kDisplayPairCount> m_views;
+    std::array<int, kDisplayPairCount> m_fieldWrites{};
+    std::array<FakePopUp, 4> m_popUps;
+    std::array<bool, 3> m_checks{};
+    double m_tableFieldHeight = 100;
+    int m_caretPlacements = 0;
+    std::string m_tab = "Profile";
+    std::string m_message;
+    std::deque<std::function<void()>> m_timers;
+};
+
+class FakeSettingsPanel final : public SettingsPanel {
+  public:
+    [[nodiscard]] std::string text(PanelField field) const override;
+    void setText(PanelField field, const std::string& text) override;
+    [[nodiscard]] int selectedRow(PanelMatrix matrix) const override;
+    void selectRow(PanelMatrix matrix, int row) override;
+    [[nodiscard]] bool isChecked(PanelCheckBox box) const override;
+    void setChecked(PanelCheckBox box, bool on) override;
+    void show() override { m_shown = true; }
+    void close() override { m_shown = false; }
+    void showProblem(const std::string& message) override { m_problem = message; }
+
+    [[nodiscard]] bool shown() const { return m_shown; }
+    [[nodiscard]] const std::string& problem() const { return m_problem; }
+
+  private:
+    std::array<std::string, 8> m_texts;
+    std::array<int, 2> m_rows{};
+    std::array<bool, 7> m_checks{};
+    bool m_shown = false;
+    std::string m_problem;
+};
+
+// Answers each alert with the next scripted answer (the default button when none is left) and
+// keeps what it was asked.
+class FakeAlerts final : public Alerts {
+  public:
+    [[nodiscard]] AlertAnswer runAlert(const AlertRequest& request) override;
+
+    std::deque<AlertAnswer> answers;
+    std::vector<AlertRequest> asked;
+};
+
+class FakeShell final : public ApplicationShell {
+  public:
+    void terminate() override { ++terminations; }
+    void setAboutVersionText(const std::string& text) override { aboutVersion = text; }
+    void selectHelpTab(const std::string& label) override { helpTab = label; }
+    void showLinks(bool shown, const std::string& menuItemTitle) override {
+        linksShown = shown;
+        linksMenuTitle = menuItemTitle;
+    }
+
+    int terminations = 0;
+    std::string aboutVersion;
+    std::string helpTab;
+    bool linksShown = false;
+    std::string linksMenuTitle;
+};
+
+// A defaults domain in memory; `flushed` is what reached the disk.
+class MemoryDomain final : public PersistentDomain {
+  public:
+    [[nodiscard]] std::optional<DefaultValue> value(const std::string& key) const override;
+    void setValue(const std::string& key, const DefaultValue& value) override;
+    void removeAll() override { values.clear(); }
+    bool flush() override {
+        flushed = values;
+        ++flushes;
+        return true;
+    }
+
+    DefaultValues values;
+    DefaultValues flushed;
+    int flushes = 0;
+};
+
+// Folders and files in memory.
+class MemoryFileSystem final : public FileSystem {
+  public:
+    [[nodiscard]] bool exists(const std::string& path) const override;
+    [[nodiscard]] bool isDirectory(const std::string& path) const override;
+    bool createDirectories(const std::string& path) override;
+    bool removeAll(const std::string& path) override;
+    [[nodiscard]] std::optional<std::string> readText(const std::string& path) const override;
+    bool writeTextAtomically(const std::string& path, const std::string& text) override;
+
+    std::set<std::string> folders;
+    std::map<std::string, std::string> files;
+};
+
+// A log of plain text: entries at the top, each followed by the separator, and a print
+// position as a text printer keeps it.
+class MemoryLog final : public RequestLog {
+  public:
+    void log(const core::StyledText& entry, bool logBoxOn) override;
+    [[nodiscard]] long printIndex() const override { return m_printIndex; }
+    void setPrintIndex(long index) override;
+    void printAttributedString(const core::StyledText& text) override;
+    [[nodiscard]] long entryCount() const override { return m_count; }
+    void setEntryCount(long count) override { m_count = count; }
+
+    [[nodiscard]] const std::string& text() const { return m_text; }
+
+  private:
+    std::string m_text;
+    long m_printIndex = 0;
+    long m_count = 0;
+};
+
+}  // namespace talvex::app::fakes

@@ -1,0 +1,107 @@
+#include "app/request.h"
+
+#include <new>
+#include <stdexcept>
+
+#include "core/calculation_limits.h"
+#include "core/decimal.h"
+#include "core/report.h"
+
+namespace talvex::app {
+
+namespace {
+
+std::string decimalFaultMessage(const core::DecimalError& error) {
+    switch (error.fault()) {
+        case core::DecimalFault::Underflow:
+            return "a probability or value became too small for 38-digit arithmetic "
+                   "(below 1E-128)";
+        case core::DecimalFault::Overflow:
+            return "a value became too large for 38-digit arithmetic (above 1E165)";
+        case core::DecimalFault::DivideByZero:
+            return "a division by zero occurred";
+    }
+    return error.what();
+}
+
+// Each roll walks the outcomes and is kept until shown.
+constexpr double kMaxRollWork = 200'000'000;
+
+}  // namespace
+
+std::string faultMessage(std::exception_ptr fault) {
+    try {
+        if (fault) {
+            std::rethrow_exception(fault);
+        }
+        return "the calculation stopped for an unknown reason";
+    } catch (const core::DecimalError& error) {
+        return decimalFaultMessage(error);
+    } catch (const core::CalculationTooLarge& error) {
+        return error.what();
+    } catch (const core::DividerListError& error) {
+        return error.what();
+    } catch (const std::bad_alloc&) {
+        return "the calculation needs more memory than is available";
+    } catch (const std::exception& error) {
+        return std::string("the calculation stopped: ") + error.what();
+    } catch (...) {
+        return "the calculation stopped for an unknown reason";
+    }
+}
+
+std::string shortenedForMessage(std::string_view text) {
+    constexpr std::size_t kLongest = 80;
+    return text.size() <= kLongest ? std::string(text)
+                                   : std::string(text.substr(0, kLongest)) + "...";
+}
+
+void CalculationSession::pin(const std::string& key, language::ExpressionPointer expression) {
+    m_expressions[key] = expression;
+    m_pinned.emplace_back(key, std::move(expression));
+}
+
+void CalculationSession::emptyWhenHalfFull() {
+    if (m_expressions.size() <= core::kMaxExpressions / 2) {
+        return;
+    }
+    m_expressions.clear();
+    for (const auto& [key, expression] : m_pinned) {
+        m_expressions[key] = expression;
+    }
+}
+
+language::ExpressionPointer CalculationSession::build(std::string_view text) {
+    emptyWhenHalfFull();
+    return language::Expression::expressionWithString(text, m_expressions);
+}
+
+RequestResult CalculationSession::calculate(std::string_view text, int rolls) {
+    RequestResult result;
+    result.expression = build(text);
+    result.profile = result.expression->profile();
+    result.rolls = drawRolls(result.profile, rolls);
+    return result;
+}
+
+std::vector<core::Evaluation> CalculationSession::drawRolls(core::Profile& profile, int count) {
+    if (count <= 0) {
+        return {};
+    }
+    if (static_cast<double>(count) * static_cast<double>(profile.evaluations().size()) >
+        kMaxRollWork) {
+        throw core::CalculationTooLarge("that many rolls of this many outcomes take too long");
+    }
+    std::vector<core::Evaluation> rolls;
+    rolls.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        rolls.push_back(profile.evaluation());
+    }
+    return rolls;
+}
+
+core::StyledText CalculationSession::report(core::Profile& profile, const core::Options& options) {
+    return core::attributedProfileStringWithOptions(profile, &options, profile.styles());
+}
+
+}  // namespace talvex::app
