@@ -24,6 +24,11 @@ class TableScaleReset {
     Preferencer& m_prefer;
 };
 
+// The measuring functions take options repaired, as the reports repair theirs.
+core::Options repaired(const core::Profile& profile, const core::Options& options) {
+    return profile.patchOptions(&options);
+}
+
 bool isComparisonProfile(const core::Profile& profile) {
     return !profile.comparatorString().empty();
 }
@@ -109,8 +114,9 @@ void Displays::tableCompare(DisplayFrame& frame) {
                              !m_state.compareExpression->rawString().empty();
     const int h = m_state.height;
 
-    const core::Options optionsA = m_prefer.optionsForField("table", h, comparison);
-    const core::Options optionsB = m_prefer.optionsForField("table", h, compareComparison);
+    const core::Options optionsA = repaired(a, m_prefer.optionsForField("table", h, comparison));
+    const core::Options optionsB =
+        repaired(b, m_prefer.optionsForField("table", h, compareComparison));
     const core::Evaluation barA = core::maxBarEvaluationWithOptions(a, &optionsA);
     const core::Evaluation barB = core::maxBarEvaluationWithOptions(b, &optionsB);
     double scale = -1;
@@ -146,7 +152,7 @@ void Displays::diagramCompare(DisplayFrame& frame) {
     const int h = m_state.height;
 
     // Both heights are asked with the first expression's kind.
-    const core::Options options = m_prefer.optionsForField("diagram", h, comparison);
+    const core::Options options = repaired(a, m_prefer.optionsForField("diagram", h, comparison));
     const int common = std::min(core::diagramHeightWithOptions(a, &options),
                                 core::diagramHeightWithOptions(b, &options));
     double scale = static_cast<double>(common);
