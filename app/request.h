@@ -64,8 +64,7 @@ class CalculationSession {
     [[nodiscard]] language::ExpressionDictionary& expressions() noexcept { return m_expressions; }
 
     // Draws `count` rolls; CalculationTooLarge when rolls times outcomes exceed the bound.
-    [[nodiscard]] static std::vector<core::Evaluation> drawRolls(core::Profile& profile,
-                                                                 int count);
+    [[nodiscard]] static std::vector<core::Evaluation> drawRolls(core::Profile& profile, int count);
     // The styled report of the profile under the options (repaired first).
     [[nodiscard]] static core::StyledText report(core::Profile& profile,
                                                  const core::Options& options);

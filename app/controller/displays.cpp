@@ -110,8 +110,8 @@ void Displays::tableCompare(DisplayFrame& frame) {
     auto [a, b] = currentProfiles();
     const bool comparison = isComparisonProfile(a);
     const bool compareComparison = isComparisonProfile(b);
-    const bool bothPresent = !m_state.expression->rawString().empty() &&
-                             !m_state.compareExpression->rawString().empty();
+    const bool bothPresent =
+        !m_state.expression->rawString().empty() && !m_state.compareExpression->rawString().empty();
     const int h = m_state.height;
 
     const core::Options optionsA = repaired(a, m_prefer.optionsForField("table", h, comparison));
@@ -147,8 +147,8 @@ void Displays::diagramCompare(DisplayFrame& frame) {
     auto [a, b] = currentProfiles();
     const bool comparison = isComparisonProfile(a);
     const bool compareComparison = isComparisonProfile(b);
-    const bool bothPresent = !m_state.expression->rawString().empty() &&
-                             !m_state.compareExpression->rawString().empty();
+    const bool bothPresent =
+        !m_state.expression->rawString().empty() && !m_state.compareExpression->rawString().empty();
     const int h = m_state.height;
 
     // Both heights are asked with the first expression's kind.

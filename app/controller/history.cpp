@@ -23,8 +23,7 @@ void History::restoreHistoryAtIndex(long index) {
     m_window.selectPopUpTitle(PopUp::expression, entry.expressionTitle);
     m_window.selectPopUpTitle(PopUp::compare, entry.compareTitle);
     m_window.setFieldText(TextField::expression, m_window.selectedPopUpTitle(PopUp::expression));
-    m_state.compareExpression =
-        m_state.session.build(m_window.selectedPopUpTitle(PopUp::compare));
+    m_state.compareExpression = m_state.session.build(m_window.selectedPopUpTitle(PopUp::compare));
 
     // Revisiting writes no log entry and does not recycle the comparison.
     const bool logOn = m_window.isChecked(CheckBox::log);

@@ -37,10 +37,9 @@ void Requests::emptyRequest() {
     m_window.setFieldText(TextField::expression, "");
     m_window.setViewAttributedText(TextView::expression,
                                    m_window.fieldAttributedText(TextField::expression));
-    for (const TextField field :
-         {TextField::statistics, TextField::table, TextField::diagram, TextField::roll,
-          TextField::versus, TextField::versusLegend, TextField::versusWithTie,
-          TextField::versusWithTieLegend}) {
+    for (const TextField field : {TextField::statistics, TextField::table, TextField::diagram,
+                                  TextField::roll, TextField::versus, TextField::versusLegend,
+                                  TextField::versusWithTie, TextField::versusWithTieLegend}) {
         m_window.setFieldText(field, "");
     }
     for (const TextView view :
@@ -78,8 +77,8 @@ void Requests::logRoll(bool displayed) {
         return;
     }
     core::Profile profile = m_state.expression->profile();
-    const core::StyledText text = m_displays.report(
-        profile, displayed ? "firstRoll" : "rollLog", kViewHeight, m_displays.isComparison());
+    const core::StyledText text = m_displays.report(profile, displayed ? "firstRoll" : "rollLog",
+                                                    kViewHeight, m_displays.isComparison());
     const long position = m_log.printIndex();
     m_log.setPrintIndex(m_state.rollIndex);
     m_log.printAttributedString(text);
@@ -190,8 +189,8 @@ void Requests::roll() {
         m_state.compareExpression = previousCompare;
         m_state.lastExpressionTitle = previousExpressionTitle;
         m_state.displaying = displayingOnEntry;
-        m_window.showMessage("Cannot calculate \"" + shortenedForMessage(text) +
-                             "\": " + *problem + ".");
+        m_window.showMessage("Cannot calculate \"" + shortenedForMessage(text) + "\": " + *problem +
+                             ".");
         return;
     }
     m_window.showMessage("");

@@ -109,8 +109,7 @@ void StartUp::finishFirstRun() {
 
 void StartUp::createSupportDirectories() {
     // Failures show when the lists are loaded.
-    for (const std::string& folder :
-         {m_settings.supportFolder, m_parts.state.listsFolderPath}) {
+    for (const std::string& folder : {m_settings.supportFolder, m_parts.state.listsFolderPath}) {
         if (!m_parts.files.exists(folder)) {
             static_cast<void>(m_parts.files.createDirectories(folder));
         }
@@ -127,7 +126,8 @@ void StartUp::presentRestoreFactoryDefaultsAlert(bool asked) {
     request.message = asked ? kResetAskedMessage : kResetCrashMessage;
     request.informativeText = kResetInformative;
     request.defaultButton = asked ? "Cancel" : "Keep my Settings";
-    request.alternateButton = asked ? "Restore Factory Settings and Quit" : "Restore Factory Settings";
+    request.alternateButton =
+        asked ? "Restore Factory Settings and Quit" : "Restore Factory Settings";
     request.offersPreserveListsAndLog = true;
     const AlertAnswer answer = m_parts.alerts.runAlert(request);
     if (answer.button != AlertButton::alternateButton) {

@@ -55,7 +55,8 @@ class StartUp {
 
     // Once, before the first controller: the registration defaults (when the resource could
     // be read) and the start-up definitions.
-    static void initialize(DefaultsStore& defaults, const std::optional<DefaultValues>& defaultsResource);
+    static void initialize(DefaultsStore& defaults,
+                           const std::optional<DefaultValues>& defaultsResource);
 
     void applicationWillFinishLaunching();
     void applicationWillTerminate();

@@ -15,8 +15,8 @@ TalvexContoller::TalvexContoller(const ControllerPorts& ports, LaunchSettings se
       m_displays(ports.window, m_prefer, m_state),
       m_history(ports.window, m_state, m_displays, [this] { m_requests.roll(); }),
       m_requests(ports.window, m_state, m_displays, m_history, m_prefer, m_log, ports.defaults),
-      m_startUp(StartUp::Parts{ports.window, ports.alerts, ports.shell, ports.defaults,
-                               ports.files, m_state, m_prefer, m_history, m_requests, m_log},
+      m_startUp(StartUp::Parts{ports.window, ports.alerts, ports.shell, ports.defaults, ports.files,
+                               m_state, m_prefer, m_history, m_requests, m_log},
                 std::move(settings)) {}
 
 template <typename Work>
@@ -58,9 +58,13 @@ void TalvexContoller::resetAllSettingsAndQuit() {
 
 void TalvexContoller::roll() { m_requests.roll(); }
 
-void TalvexContoller::expressionSelect() { guarded([this] { m_requests.expressionSelect(); }); }
+void TalvexContoller::expressionSelect() {
+    guarded([this] { m_requests.expressionSelect(); });
+}
 
-void TalvexContoller::compareSelect() { guarded([this] { m_requests.compareSelect(); }); }
+void TalvexContoller::compareSelect() {
+    guarded([this] { m_requests.compareSelect(); });
+}
 
 void TalvexContoller::panelRoll() { m_requests.panelRoll(); }
 
@@ -68,9 +72,13 @@ void TalvexContoller::panelCancel() { m_requests.panelCancel(); }
 
 void TalvexContoller::setRunningSelection() { m_requests.setRunningSelection(); }
 
-void TalvexContoller::stepBack() { guarded([this] { m_history.stepBack(); }); }
+void TalvexContoller::stepBack() {
+    guarded([this] { m_history.stepBack(); });
+}
 
-void TalvexContoller::stepForward() { guarded([this] { m_history.stepForward(); }); }
+void TalvexContoller::stepForward() {
+    guarded([this] { m_history.stepForward(); });
+}
 
 void TalvexContoller::updateFloatingViews() { m_displays.updateFloatingViews(); }
 
@@ -123,8 +131,8 @@ void TalvexContoller::setRunningCalculation(bool on) {
 
 void TalvexContoller::toggleLinks() {
     m_prefer.setLinks(!m_prefer.links());
-    m_shell.showLinks(m_prefer.links(), m_prefer.links() ? "Hide Report/Donate Links"
-                                                         : "Show Report/Donate Links");
+    m_shell.showLinks(m_prefer.links(),
+                      m_prefer.links() ? "Hide Report/Donate Links" : "Show Report/Donate Links");
 }
 
 }  // namespace talvex::app

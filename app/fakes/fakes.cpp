@@ -131,9 +131,7 @@ bool MemoryFileSystem::exists(const std::string& path) const {
     return folders.contains(path) || files.contains(path);
 }
 
-bool MemoryFileSystem::isDirectory(const std::string& path) const {
-    return folders.contains(path);
-}
+bool MemoryFileSystem::isDirectory(const std::string& path) const { return folders.contains(path); }
 
 bool MemoryFileSystem::createDirectories(const std::string& path) {
     if (files.contains(path)) {
@@ -150,8 +148,10 @@ bool MemoryFileSystem::createDirectories(const std::string& path) {
 
 bool MemoryFileSystem::removeAll(const std::string& path) {
     const std::string prefix = path + "/";
-    std::erase_if(folders, [&](const std::string& f) { return f == path || f.starts_with(prefix); });
-    std::erase_if(files, [&](const auto& f) { return f.first == path || f.first.starts_with(prefix); });
+    std::erase_if(folders,
+                  [&](const std::string& f) { return f == path || f.starts_with(prefix); });
+    std::erase_if(files,
+                  [&](const auto& f) { return f.first == path || f.first.starts_with(prefix); });
     return true;
 }
 

@@ -212,8 +212,7 @@ TEST_F(PreferencerTest, DiagramHeightFollowsTheTableScaleRoundedHalfUp) {
 }
 
 TEST_F(PreferencerTest, DiagramLegendForAComparisonWithTheLegendOnIsOnlyTheLegend) {
-    const core::Options expected{
-        {"title", "yes"}, {"legend", "yes"}, {"legend precision", "2"}};
+    const core::Options expected{{"title", "yes"}, {"legend", "yes"}, {"legend precision", "2"}};
     EXPECT_EQ(prefer.optionsForField("diagram/legend", 12, true), expected);
     EXPECT_EQ(prefer.optionsForField("diagram/legendView", 12, true), expected);
 }
@@ -230,8 +229,7 @@ TEST_F(PreferencerTest, DiagramLegendOtherwiseIsTheDiagramShrunkToTheTable) {
                                  {"diagram precision", "2"},
                                  {"diagram weight precision", "2"}};
     EXPECT_EQ(options, expected);
-    EXPECT_EQ(prefer.optionsForField("diagram/legendView", 1000, false).at("diagram height"),
-              "20");
+    EXPECT_EQ(prefer.optionsForField("diagram/legendView", 1000, false).at("diagram height"), "20");
 }
 
 TEST_F(PreferencerTest, TheMaxWeightIsSentOnlyWhenBarsAreRelativeAndOnTheSameScale) {
@@ -298,8 +296,7 @@ TEST_F(PreferencerTest, AnUnknownFieldGetsNoOptions) {
 }
 
 TEST_F(PreferencerTest, LegendOptions) {
-    const core::Options expected{
-        {"title", "yes"}, {"legend", "yes"}, {"legend precision", "2"}};
+    const core::Options expected{{"title", "yes"}, {"legend", "yes"}, {"legend precision", "2"}};
     EXPECT_EQ(prefer.optionsForField("legend", 5, true), expected);
 }
 

@@ -1,6 +1,7 @@
+#include "app/controller/requests.h"
+
 #include <gtest/gtest.h>
 
-#include "app/controller/requests.h"
 #include "controller_fixture.h"
 
 namespace talvex::app {
@@ -21,14 +22,15 @@ TEST_P(TrimTest, DropsLineBreaksAtEitherEndAndKeepsBlanksAndTabs) {
     EXPECT_EQ(Requests::trim(GetParam().text), GetParam().trimmed);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, TrimTest,
-    ::testing::Values(TrimCase{"3d6", "3d6"}, TrimCase{"\n3d6\n", "3d6"},
-                      TrimCase{"\r\n3d6\r\n", "3d6"}, TrimCase{" 3d6\t", " 3d6\t"},
-                      TrimCase{"\n", ""}, TrimCase{"\r", ""}, TrimCase{"\n\r", ""},
-                      TrimCase{"\n\n\n", ""}, TrimCase{"\r\n", ""}, TrimCase{"", ""},
-                      TrimCase{"a", "a"}, TrimCase{"\na", "a"}, TrimCase{"a\n", "a"},
-                      TrimCase{"3d6\n\n", "3d6"}, TrimCase{"1\n2", "1\n2"}));
+INSTANTIATE_TEST_SUITE_P(Texts, TrimTest,
+                         ::testing::Values(TrimCase{"3d6", "3d6"}, TrimCase{"\n3d6\n", "3d6"},
+                                           TrimCase{"\r\n3d6\r\n", "3d6"},
+                                           TrimCase{" 3d6\t", " 3d6\t"}, TrimCase{"\n", ""},
+                                           TrimCase{"\r", ""}, TrimCase{"\n\r", ""},
+                                           TrimCase{"\n\n\n", ""}, TrimCase{"\r\n", ""},
+                                           TrimCase{"", ""}, TrimCase{"a", "a"},
+                                           TrimCase{"\na", "a"}, TrimCase{"a\n", "a"},
+                                           TrimCase{"3d6\n\n", "3d6"}, TrimCase{"1\n2", "1\n2"}));
 
 TEST(PrepareUserExpressionString, ReturnsTheTextUnchanged) {
     EXPECT_EQ(Requests::prepareUserExpressionString(" 3d6 + 2 "), " 3d6 + 2 ");
@@ -300,8 +302,7 @@ TEST_P(BadTextTest, LeavesTheWindowWorkingWithAPlainAnswer) {
 
 INSTANTIATE_TEST_SUITE_P(Texts, BadTextTest,
                          ::testing::Values(BadText{"((", false}, BadText{"1/0", false},
-                                           BadText{"400d6", true},
-                                           BadText{"1d1000000000", true}));
+                                           BadText{"400d6", true}, BadText{"1d1000000000", true}));
 
 TEST_F(RollTest, AFailingComparisonChoiceKeepsTheComparisonAndSaysWhy) {
     window->setChecked(CheckBox::mirror, true);
