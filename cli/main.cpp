@@ -4,28 +4,23 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
-#include <exception>
 #include <iostream>
-#include <new>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/request.h"
 #include "app/startup.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
 #include "cli/terminal_output.h"
-#include "core/calculation_limits.h"
-#include "core/decimal.h"
-#include "core/report.h"
 #include "core/report_options.h"
-#include "expressions/expression.h"
+#include "core/styles.h"
 #include "kernels/definitions.h"
 
 namespace {
 
-using talvex::language::Expression;
-using talvex::language::ExpressionDictionary;
+using talvex::app::CalculationSession;
 
 constexpr int kExitUsage = 2;
 constexpr int kExitCalculationFailed = 3;
@@ -71,55 +66,21 @@ std::vector<std::string> readExpressions(std::istream& input) {
     return lines;
 }
 
-std::string decimalFaultMessage(const talvex::core::DecimalError& error) {
-    switch (error.fault()) {
-        case talvex::core::DecimalFault::Underflow:
-            return "a probability or value became too small for 38-digit arithmetic "
-                   "(below 1E-128)";
-        case talvex::core::DecimalFault::Overflow:
-            return "a value became too large for 38-digit arithmetic (above 1E165)";
-        case talvex::core::DecimalFault::DivideByZero:
-            return "a division by zero occurred";
-    }
-    return error.what();
-}
-
-// An expression as a message names it: long texts are cut, so that a message stays a line.
-std::string shortened(const std::string& text) {
-    constexpr std::size_t kLongest = 80;
-    return text.size() <= kLongest ? text : text.substr(0, kLongest) + "...";
-}
-
 bool shouldColourOutput(const std::string& mode) {
     return talvex::cli::shouldColour(
         mode, isatty(STDOUT_FILENO) == 1,
         std::getenv("NO_COLOR") != nullptr && *std::getenv("NO_COLOR") != '\0');
 }
 
-// Builds and prints one expression; false when the calculation could not be finished.
-bool evaluate(const std::string& text, const Settings& settings,
-              ExpressionDictionary& expressions) {
-    std::string problem;
-    try {
-        const auto expression = Expression::expressionWithString(text, expressions);
-        talvex::core::Profile profile = expression->profile();
-        // Each roll walks the outcomes and is kept until printed.
-        constexpr double kMaxRollWork = 200'000'000;
-        if (static_cast<double>(settings.rolls) *
-                static_cast<double>(profile.evaluations().size()) >
-            kMaxRollWork) {
-            throw talvex::core::CalculationTooLarge(
-                "that many rolls of this many outcomes take too long");
-        }
-        std::vector<talvex::core::Evaluation> rolls;
-        for (int i = 0; i < settings.rolls; ++i) {
-            rolls.push_back(profile.evaluation());
-        }
+// Calculates and prints one expression; false when the calculation could not be finished.
+bool evaluate(const std::string& text, const Settings& settings, CalculationSession& session) {
+    const auto problem = talvex::app::attempt([&] {
+        auto result = session.calculate(text, settings.rolls);
         if (settings.json) {
-            auto object = talvex::cli::profileJson(expression->rawString(), profile);
-            object["statistics"] = talvex::cli::statisticsJson(profile);
+            auto object = talvex::cli::profileJson(result.expression->rawString(), result.profile);
+            object["statistics"] = talvex::cli::statisticsJson(result.profile);
             if (settings.rolls > 0) {
-                object["rolls"] = talvex::cli::rollsJson(rolls);
+                object["rolls"] = talvex::cli::rollsJson(result.rolls);
             }
             // Text that is not valid UTF-8 is shown with replacement characters, not refused.
             std::cout << object.dump(-1, ' ', false,
@@ -128,26 +89,22 @@ bool evaluate(const std::string& text, const Settings& settings,
         } else {
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
-                for (const auto& roll : rolls) {
+                for (const auto& roll : result.rolls) {
                     std::cout << ' '
                               << (roll.isDefined() ? roll.quantity().stringValue() : "undefined");
                 }
                 std::cout << '\n';
             }
-            const auto report = talvex::core::attributedProfileStringWithOptions(
-                profile, &settings.options, profile.styles());
+            const auto report = CalculationSession::report(result.profile, settings.options);
             std::cout << talvex::cli::terminalText(report, settings.colour);
         }
+    });
+    if (!problem) {
         return true;
-    } catch (const talvex::core::DecimalError& error) {
-        problem = decimalFaultMessage(error);
-    } catch (const talvex::core::CalculationTooLarge& error) {
-        problem = error.what();
-    } catch (const std::bad_alloc&) {
-        problem = "the calculation needs more memory than is available";
     }
     std::cout.flush();
-    std::cerr << "talvex-cli: cannot calculate \"" << shortened(text) << "\": " << problem << '\n';
+    std::cerr << "talvex-cli: cannot calculate \"" << talvex::app::shortenedForMessage(text)
+              << "\": " << *problem << '\n';
     return false;
 }
 
@@ -212,15 +169,11 @@ int main(int argc, char** argv) {
     if (settings.expressions.empty()) {
         settings.expressions = readExpressions(std::cin);
     }
-    ExpressionDictionary expressions;
+    // One session for the whole run, so that what one expression built serves the next ones.
+    CalculationSession session;
     bool allCalculated = true;
     for (const std::string& text : settings.expressions) {
-        // The dictionary is only a memo: emptying it between expressions keeps a long run
-        // from reaching its bound, and changes no result.
-        if (expressions.size() > talvex::core::kMaxExpressions / 2) {
-            expressions.clear();
-        }
-        if (!evaluate(text, settings, expressions)) {
+        if (!evaluate(text, settings, session)) {
             allCalculated = false;
         }
     }
