@@ -64,6 +64,9 @@ class Expression {
     [[nodiscard]] const std::string& titleRawString() const noexcept { return m_titleRawString; }
     // A copy: the expression's own profile cannot be changed from outside.
     [[nodiscard]] core::Profile profile() const { return m_profile.copy(); }
+    // The expression's own profile, to read or to clone without condensing it anew (a copy of
+    // a million outcomes costs a noticeable moment, and a display takes several).
+    [[nodiscard]] const core::Profile& profileView() const noexcept { return m_profile; }
     // One random draw from the expression's profile, which remembers it.
     [[nodiscard]] core::Evaluation evaluation() { return m_profile.evaluation(); }
     [[nodiscard]] core::Decimal evaluate() { return m_profile.evaluate(); }

@@ -71,15 +71,15 @@ core::StyledText Displays::report(core::Profile& profile, const std::string& fie
 }
 
 bool Displays::isComparison() const {
-    return m_state.expression && isComparisonProfile(m_state.expression->profile());
+    return m_state.expression && isComparisonProfile(m_state.expression->profileView());
 }
 
 bool Displays::isCompareComparison() const {
-    return m_state.compareExpression && isComparisonProfile(m_state.compareExpression->profile());
+    return m_state.compareExpression && isComparisonProfile(m_state.compareExpression->profileView());
 }
 
 Displays::Profiles Displays::currentProfiles() const {
-    return {m_state.expression->profile(), m_state.compareExpression->profile()};
+    return {m_state.expression->profileView(), m_state.compareExpression->profileView()};
 }
 
 void Displays::updateHeight() {
@@ -189,7 +189,7 @@ void Displays::versusReport(DisplayFrame& frame, const char* comparator, TextFie
     const std::string text = "(" + m_state.expression->rawString() + ")" + comparator + "(" +
                              m_state.compareExpression->rawString() + ")";
     const auto versusExpression = m_state.session.build(text);
-    core::Profile profile = versusExpression->profile();
+    core::Profile profile = versusExpression->profileView();
     updateHeight();
     const int h = m_state.height;
     frame.setField(tableField, report(profile, "table", h, true));

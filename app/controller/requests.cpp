@@ -76,7 +76,7 @@ void Requests::logRoll(bool displayed) {
     if (!m_window.isChecked(CheckBox::log)) {
         return;
     }
-    core::Profile profile = m_state.expression->profile();
+    core::Profile profile = m_state.expression->profileView();
     const core::StyledText text = m_displays.report(profile, displayed ? "firstRoll" : "rollLog",
                                                     kViewHeight, m_displays.isComparison());
     const long position = m_log.printIndex();
@@ -87,7 +87,7 @@ void Requests::logRoll(bool displayed) {
 }
 
 void Requests::showRoll() {
-    core::Profile profile = m_state.expression->profile();
+    core::Profile profile = m_state.expression->profileView();
     const core::StyledText text =
         m_displays.report(profile, "roll", kViewHeight, m_displays.isComparison());
     m_window.setFieldAttributedText(TextField::roll, text);
@@ -154,7 +154,7 @@ void Requests::roll() {
             m_displays.displayAll(frame);
             m_history.makeHistory();
             if (logFlag) {
-                core::Profile profile = m_state.expression->profile();
+                core::Profile profile = m_state.expression->profileView();
                 m_log.log(m_displays.report(profile, "log", kViewHeight, m_displays.isComparison()),
                           m_window.isChecked(CheckBox::log));
                 m_state.rollIndex = m_log.printIndex() - RequestLog::kSeparatorLength - 2;
