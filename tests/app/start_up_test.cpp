@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "controller_fixture.h"
+#include "core/calculation_limits.h"
 
 namespace talvex::app {
 namespace {
@@ -213,6 +214,19 @@ TEST_F(StartUpTest, ThePlaceholdersNameTheEmptyExpression) {
     EXPECT_EQ(controller->state().lastRoll.lastFunctionString, "blank");
     EXPECT_TRUE(controller->state().displaying);
     EXPECT_FALSE(controller->state().newRoll);
+}
+
+TEST_F(StartUpTest, TheDictionaryIsEmptiedWhenHalfFullAndKeepsThePlaceholders) {
+    auto& expressions = controller->state().session.expressions();
+    const auto empty = expressions.at("");
+    for (std::size_t i = 0; expressions.size() <= core::kMaxExpressions / 2; ++i) {
+        expressions.emplace("filler" + std::to_string(i), empty);
+    }
+    request("3d6");
+    EXPECT_LT(expressions.size(), 100U);
+    EXPECT_EQ(expressions.at(language::Expression::cleanString(kSelectExpression)), empty);
+    EXPECT_EQ(expressions.at(language::Expression::cleanString(kSelectComparison)), empty);
+    EXPECT_NE(field(TextField::statistics).find("3d6"), std::string::npos);
 }
 
 TEST_F(StartUpTest, TheAboutWindowShowsTheVersionAndHelpOpensOnTheOverview) {
