@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 
+#include "app/controller/split_view_bounds.h"
 #include "controller_fixture.h"
 #include "core/diagram.h"
 
@@ -186,6 +187,22 @@ TEST_F(DisplaysTest, AResizeAfterTheDisplayWasEmptiedDrawsNothing) {
 }
 
 TEST_F(DisplaysTest, VersusIsAlwaysSuitable) { EXPECT_TRUE(Displays::isVersusSuitable()); }
+
+}  // namespace
+}  // namespace talvex::app
+
+namespace talvex::app {
+namespace {
+
+TEST(SplitViewBounds, AVerticalSplitKeeps10PointsLeftAnd20Right) {
+    EXPECT_EQ(KVTXSplitViewDelegate::splitViewConstrainMinCoordinate(true), 10.0);
+    EXPECT_EQ(KVTXSplitViewDelegate::splitViewConstrainMaxCoordinate(true, 600, 400), 580.0);
+}
+
+TEST(SplitViewBounds, AHorizontalSplitKeeps50PointsAboveAndBelow) {
+    EXPECT_EQ(KVTXSplitViewDelegate::splitViewConstrainMinCoordinate(false), 50.0);
+    EXPECT_EQ(KVTXSplitViewDelegate::splitViewConstrainMaxCoordinate(false, 600, 400), 350.0);
+}
 
 }  // namespace
 }  // namespace talvex::app
