@@ -52,12 +52,20 @@ std::string faultMessage(std::exception_ptr fault) {
 
 std::string shortenedForMessage(std::string_view text) {
     constexpr std::size_t kLongest = 80;
-    return text.size() <= kLongest ? std::string(text)
-                                   : std::string(text.substr(0, kLongest)) + "...";
+    if (text.size() <= kLongest) {
+        return std::string(text);
+    }
+    // Never cut a UTF-8 character in two: back up over its continuation bytes.
+    std::size_t cut = kLongest;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) {
+        --cut;
+    }
+    return std::string(text.substr(0, cut)) + "...";
 }
 
 void CalculationSession::pin(const std::string& key, language::ExpressionPointer expression) {
     m_expressions[key] = expression;
+    std::erase_if(m_pinned, [&key](const auto& pinned) { return pinned.first == key; });
     m_pinned.emplace_back(key, std::move(expression));
 }
 
@@ -88,7 +96,7 @@ std::vector<core::Evaluation> CalculationSession::drawRolls(core::Profile& profi
     if (count <= 0) {
         return {};
     }
-    if (static_cast<double>(count) * static_cast<double>(profile.evaluations().size()) >
+    if (static_cast<double>(count) * static_cast<double>(profile.evaluationCount()) >
         kMaxRollWork) {
         throw core::CalculationTooLarge("that many rolls of this many outcomes take too long");
     }

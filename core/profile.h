@@ -48,6 +48,10 @@ class Profile {
     void setEvaluations(std::vector<Evaluation> evaluations);
     // Copies of the outcomes; for an empty profile one undefined outcome of the scaled weight.
     [[nodiscard]] std::vector<Evaluation> evaluations() const;
+    // How many outcomes evaluations() would list, without copying them.
+    [[nodiscard]] std::size_t evaluationCount() const noexcept {
+        return m_evaluations.empty() ? 1 : m_evaluations.size();
+    }
     // The outcomes without the undefined one.
     [[nodiscard]] std::vector<Evaluation> definedEvaluations() const;
 
@@ -65,7 +69,9 @@ class Profile {
     void setError(int error) noexcept;
 
     // Every roll drawn so far, oldest first.
-    [[nodiscard]] std::vector<Evaluation> evaluationHistory() const { return m_evaluationHistory; }
+    [[nodiscard]] const std::vector<Evaluation>& evaluationHistory() const noexcept {
+        return m_evaluationHistory;
+    }
     void setEvaluationHistory(std::vector<Evaluation> evaluationHistory);
 
     // Adding outcomes; each condenses.

@@ -220,7 +220,7 @@ StyledText attributedProfileStringWithOptions(Profile& profile, const Options* g
         if (optionIsYes(options, "past rolls heading")) {
             writer.string("ROLLS:   ", "heading");
         }
-        const std::vector<Evaluation> history = profile.evaluationHistory();
+        const std::vector<Evaluation>& history = profile.evaluationHistory();
         const std::size_t count = std::min(
             history.size(), static_cast<std::size_t>(optionInteger(options, "past rolls number")));
         if (count > 0) {

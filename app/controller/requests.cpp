@@ -72,12 +72,26 @@ void Requests::maintainExpressionPop(const std::string& lookupTitle, const std::
     m_window.selectPopUpTitle(PopUp::expression, title);
 }
 
+core::Profile Requests::latestRoll() const {
+    // The roll reports show only the newest roll, so they are drawn from a profile holding just
+    // that one: a long session's whole roll history is never copied.
+    const core::Profile& own = m_state.expression->profileView();
+    core::Profile rolls;
+    if (&own.styles() != &core::defaultStyles()) {
+        rolls.setStyles(own.styles());
+    }
+    if (!own.evaluationHistory().empty()) {
+        rolls.setEvaluationHistory({own.evaluationHistory().back()});
+    }
+    return rolls;
+}
+
 void Requests::logRoll(bool displayed) {
     if (!m_window.isChecked(CheckBox::log)) {
         return;
     }
-    core::Profile profile = m_state.expression->profileView();
-    const core::StyledText text = m_displays.report(profile, displayed ? "firstRoll" : "rollLog",
+    core::Profile rolls = latestRoll();
+    const core::StyledText text = m_displays.report(rolls, displayed ? "firstRoll" : "rollLog",
                                                     kViewHeight, m_displays.isComparison());
     const long position = m_log.printIndex();
     m_log.setPrintIndex(m_state.rollIndex);
@@ -87,9 +101,9 @@ void Requests::logRoll(bool displayed) {
 }
 
 void Requests::showRoll() {
-    core::Profile profile = m_state.expression->profileView();
+    core::Profile rolls = latestRoll();
     const core::StyledText text =
-        m_displays.report(profile, "roll", kViewHeight, m_displays.isComparison());
+        m_displays.report(rolls, "roll", kViewHeight, m_displays.isComparison());
     m_window.setFieldAttributedText(TextField::roll, text);
     m_window.setViewAttributedText(TextView::roll, text);
 }

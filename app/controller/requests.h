@@ -44,6 +44,7 @@ class Requests {
   private:
     void emptyRequest();
     void maintainExpressionPop(const std::string& lookupTitle, const std::string& text);
+    [[nodiscard]] core::Profile latestRoll() const;
     void logRoll(bool displayed);
     void showRoll();
 

@@ -301,4 +301,13 @@ TEST(ShortenedForMessage, CutsLongerTextsAtEightyCharacters) {
     EXPECT_EQ(shortenedForMessage(text), text.substr(0, 80) + "...");
 }
 
+TEST(ShortenedForMessage, NeverCutsACharacterOfSeveralBytesInTwo) {
+    // "é" takes bytes 80 and 81: the cut falls before it.
+    const std::string text = std::string(79, 'x') + "\xC3\xA9+400d6";
+    EXPECT_EQ(shortenedForMessage(text), std::string(79, 'x') + "...");
+    // A character that ends at byte 80 is kept whole.
+    const std::string ending = std::string(78, 'x') + "\xC3\xA9+400d6";
+    EXPECT_EQ(shortenedForMessage(ending), std::string(78, 'x') + "\xC3\xA9...");
+}
+
 }  // namespace
