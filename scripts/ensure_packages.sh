@@ -35,6 +35,7 @@ talvex_ensure_packages() {
     $sudo apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }
 
-# Everything the build, the tests and the benchmarks use.
+# Everything the build, the tests, the benchmarks and scripts/screenshot.sh use.
 TALVEX_BUILD_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev
-    libcli11-dev nlohmann-json3-dev)
+    libcli11-dev nlohmann-json3-dev qt6-base-dev libqt6svg6 libgl-dev xvfb xauth
+    fonts-dejavu-core imagemagick)
