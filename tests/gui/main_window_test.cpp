@@ -1,0 +1,198 @@
+// The main window driven as a person drives it: typing, choosing, stepping, the tabs, the views.
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+#include <QTextEdit>
+
+#include "app/controller/controller_state.h"
+#include "gui/view_window.h"
+#include "gui_fixture.h"
+
+namespace talvex::gui::testing {
+namespace {
+
+class MainWindowTest : public GuiTest {
+  protected:
+    void SetUp() override { start(); }
+
+    [[nodiscard]] QTabWidget* tabs() { return find<QTabWidget>("tabs"); }
+    void showTab(const QString& label) {
+        QTabWidget* widget = tabs();
+        for (int i = 0; i < widget->count(); ++i) {
+            if (widget->tabText(i) == label) {
+                widget->setCurrentIndex(i);
+                return;
+            }
+        }
+        ADD_FAILURE() << "no tab " << label.toStdString();
+    }
+};
+
+TEST_F(MainWindowTest, TheWindowHasTheFiveTabsInOrder) {
+    QStringList labels;
+    for (int i = 0; i < tabs()->count(); ++i) {
+        labels.append(tabs()->tabText(i));
+    }
+    EXPECT_EQ(labels, (QStringList{"Profile", "Tables", "Diagrams", "Versus", "Versus with Tie"}));
+}
+
+TEST_F(MainWindowTest, AFreshStartShowsThePlaceholdersInEveryPopUp) {
+    EXPECT_EQ(selected("expressionPop"), QString::fromLatin1(app::kSelectExpression));
+    EXPECT_EQ(selected("comparePop"), QString::fromLatin1(app::kSelectComparison));
+    EXPECT_EQ(selected("expressionListPop"), QString::fromLatin1(app::kSelectExpressionList));
+    EXPECT_EQ(selected("compareListPop"), QString::fromLatin1(app::kSelectComparisonList));
+}
+
+TEST_F(MainWindowTest, TypingAnExpressionAndReturnFillsTheDisplaysAndThePopUp) {
+    request(QStringLiteral("3d6"));
+    EXPECT_EQ(statusMessage(), QString());
+    // The roll is one outcome of three dice.
+    bool isNumber = false;
+    const int roll = shown("rollField").trimmed().toInt(&isNumber);
+    EXPECT_TRUE(isNumber) << shown("rollField").toStdString();
+    EXPECT_GE(roll, 3);
+    EXPECT_LE(roll, 18);
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("3d6")));
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("10.5")));
+    // The table lists the outcomes with their probabilities.
+    EXPECT_TRUE(shown("tableField").contains(QStringLiteral("0.46%")));
+    EXPECT_FALSE(shown("diagramField").isEmpty());
+    EXPECT_TRUE(titles("expressionPop").contains(QStringLiteral("3d6 ")));
+    EXPECT_EQ(selected("expressionPop"), QStringLiteral("3d6 "));
+}
+
+TEST_F(MainWindowTest, TheRollButtonRollsTheTypedExpression) {
+    QLineEdit* field = expressionField();
+    QTest::keyClicks(field, QStringLiteral("2d4"));
+    click("rollButton");
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("2d4")));
+}
+
+TEST_F(MainWindowTest, ChoosingAnEarlierExpressionCalculatesItAgain) {
+    request(QStringLiteral("3d6"));
+    request(QStringLiteral("2d10"));
+    choose("expressionPop", QStringLiteral("3d6 "));
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("3d6")));
+    // The title's trailing blank only tells titles apart.
+    EXPECT_EQ(expressionField()->text(), QStringLiteral("3d6"));
+}
+
+TEST_F(MainWindowTest, WithMirrorOnAnExpressionCanBeComparedOnEveryTab) {
+    find<QCheckBox>("mirrorCheckBox")->setChecked(true);
+    request(QStringLiteral("3d6"));
+    request(QStringLiteral("2d10"));
+    ASSERT_TRUE(titles("comparePop").contains(QStringLiteral("3d6 ")));
+    choose("comparePop", QStringLiteral("3d6 "));
+    EXPECT_EQ(statusMessage(), QString());
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("2d10")));
+    EXPECT_TRUE(shown("compareStatisticsField").contains(QStringLiteral("3d6")));
+    // Choosing a comparison switches cycling off.
+    EXPECT_FALSE(find<QCheckBox>("cycleCheckBox")->isChecked());
+    showTab(QStringLiteral("Tables"));
+    EXPECT_FALSE(shown("tableCompareField1").isEmpty());
+    EXPECT_FALSE(shown("tableCompareField2").isEmpty());
+    showTab(QStringLiteral("Versus"));
+    EXPECT_TRUE(shown("versusField").contains(QStringLiteral("2d10")));
+    EXPECT_TRUE(shown("versusField").contains(QStringLiteral("3d6")));
+}
+
+TEST_F(MainWindowTest, BackAndForwardStepThroughTheRequests) {
+    request(QStringLiteral("1d4"));
+    request(QStringLiteral("1d8"));
+    click("backButton");
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("1d4")));
+    EXPECT_EQ(selected("expressionPop"), QStringLiteral("1d4 "));
+    click("forwardButton");
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("1d8")));
+    trigger("backAction");
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("1d4")));
+}
+
+struct BadInput {
+    const char* text;
+    // The request stops with a message, rather than giving undefined outcomes.
+    bool stops;
+};
+
+void PrintTo(const BadInput& input, std::ostream* out) { *out << input.text; }
+
+class BadInputTest : public MainWindowTest, public ::testing::WithParamInterface<BadInput> {};
+
+TEST_P(BadInputTest, TheWindowAnswersPlainlyAndKeepsWorking) {
+    request(QStringLiteral("3d6"));
+    const QString statistics = shown("statisticsField");
+    request(QString::fromLatin1(GetParam().text));
+    if (GetParam().stops) {
+        EXPECT_TRUE(statusMessage().startsWith(QStringLiteral("Cannot calculate \"") +
+                                               QString::fromLatin1(GetParam().text)))
+            << statusMessage().toStdString();
+        EXPECT_EQ(shown("statisticsField"), statistics);
+    } else {
+        EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("undefined")));
+    }
+    request(QStringLiteral("2d6"));
+    EXPECT_EQ(statusMessage(), QString());
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("2d6")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, BadInputTest,
+                         ::testing::Values(BadInput{"((", false}, BadInput{"1/0", false},
+                                           BadInput{"400d6", true},
+                                           BadInput{"1d1000000000", true}));
+
+TEST_F(MainWindowTest, DoubleClickingAFieldOpensItsViewWithTheWholeReport) {
+    request(QStringLiteral("3d6"));
+    QTextEdit* table = find<QTextEdit>("tableField");
+    QTest::mouseDClick(table->viewport(), Qt::LeftButton);
+    auto* view = window().findChild<ViewWindow*>(QStringLiteral("tableFieldView"));
+    ASSERT_NE(view, nullptr);
+    EXPECT_TRUE(view->isVisible());
+    // The view holds every outcome, the field as many as fit.
+    EXPECT_TRUE(view->plainText().contains(QStringLiteral("0.46%     0.46%")));
+    EXPECT_TRUE(view->plainText().contains(QStringLiteral("0.46%     100%")));
+}
+
+TEST_F(MainWindowTest, TheExpressionViewRollsWhatIsTypedIntoIt) {
+    request(QStringLiteral("3d6"));
+    window().openView(app::TextView::expression);
+    auto* view = window().findChild<ViewWindow*>(QStringLiteral("expressionFieldView"));
+    ASSERT_NE(view, nullptr);
+    view->editor()->setPlainText(QStringLiteral("4d4"));
+    auto* roll = view->findChild<QPushButton*>(QStringLiteral("viewRollButton"));
+    ASSERT_NE(roll, nullptr);
+    QTest::mouseClick(roll, Qt::LeftButton);
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("4d4")));
+    EXPECT_EQ(expressionField()->text(), QStringLiteral("4d4"));
+}
+
+TEST_F(MainWindowTest, RunningCalculationPutsTheRollIntoTheExpressionField) {
+    trigger("runningCalculationAction");
+    request(QStringLiteral("3d6"));
+    const QString roll = shown("rollField").trimmed();
+    EXPECT_EQ(expressionField()->text(), QStringLiteral("(") + roll + QStringLiteral(")"));
+}
+
+TEST_F(MainWindowTest, ClosingTheMainWindowQuitsTheApplication) {
+    EXPECT_FALSE(window().close());
+    EXPECT_TRUE(desktop().terminationRequested());
+}
+
+TEST_F(MainWindowTest, ATallerWindowShowsMoreTableRows) {
+    request(QStringLiteral("10d10"));
+    window().resize(1000, 600);
+    QTest::qWait(200);
+    const auto shortRows = shown("tableField").count(QLatin1Char('\n'));
+    window().resize(1000, 1000);
+    QTest::qWait(200);
+    const auto tallRows = shown("tableField").count(QLatin1Char('\n'));
+    EXPECT_GT(tallRows, shortRows);
+}
+
+}  // namespace
+}  // namespace talvex::gui::testing
