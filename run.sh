@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds Talvex and runs it. Until the desktop app exists this is the
-# command-line calculator: ./run.sh 3d6 "Roll: 2d6" --json, or no arguments to type expressions.
+# Installs what is missing, builds Talvex and opens its window. With arguments it runs the
+# command-line calculator instead: ./run.sh 3d6 "Roll: 2d6" --json (see ./run.sh --help).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/ensure_packages.sh
@@ -8,11 +8,18 @@ talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
 
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
-if ! cmake --preset release >"$log" 2>&1 || ! cmake --build --preset release --target talvex-cli >"$log" 2>&1; then
+if ! cmake --preset release >"$log" 2>&1 ||
+    ! cmake --build --preset release --target talvex talvex-cli >"$log" 2>&1; then
     cat "$log" >&2
     exit 1
 fi
-if [ $# -eq 0 ] && [ -t 0 ]; then
-    echo "Talvex: type a dice expression per line (3d6, 5c7, 1d20, ...); Ctrl-D ends." >&2
+
+if [ $# -gt 0 ]; then
+    exec build/release/cli/talvex-cli "$@"
 fi
-exec build/release/cli/talvex-cli "$@"
+if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
+    echo "Talvex: no display to open the window on; run it under Xvfb with:" \
+        "xvfb-run -a build/release/gui/talvex (the command-line calculator follows)." >&2
+    exec build/release/cli/talvex-cli "3d6 vs 2d10"
+fi
+exec build/release/gui/talvex

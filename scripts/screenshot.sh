@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Builds talvex, opens it on a virtual X screen in a fresh home folder, calculates an expression
+# and photographs the screen: docs/screenshot.png. Also prints how long the window took to
+# appear.
+# Usage: scripts/screenshot.sh [EXPRESSION [TAB [OUTPUT]]]
+#        (defaults: "3d6 vs 2d10", Profile, docs/screenshot.png)
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/ensure_packages.sh
+talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
+
+expression=${1:-3d6 vs 2d10}
+tab=${2:-Profile}
+output=${3:-docs/screenshot.png}
+binary=${TALVEX_BINARY:-build/release/gui/talvex}
+
+if [ -z "${TALVEX_BINARY:-}" ]; then
+    log=$(mktemp)
+    if ! cmake --preset release >"$log" 2>&1 ||
+        ! cmake --build --preset release --target talvex >"$log" 2>&1; then
+        cat "$log" >&2
+        rm -f "$log"
+        exit 1
+    fi
+    rm -f "$log"
+fi
+
+home=$(mktemp -d)
+trap 'rm -rf "$home"' EXIT
+mkdir -p "$(dirname "$output")"
+export HOME="$home" XDG_CONFIG_HOME="$home/.config" XDG_DATA_HOME="$home/.local/share" \
+    XDG_CACHE_HOME="$home/.cache" XDG_RUNTIME_DIR="$home/runtime"
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+
+screen="-screen 0 1280x900x24"
+# The first start builds font caches in the new home; the figure is taken from the second.
+xvfb-run -a -s "$screen" "$binary" --measure-startup >/dev/null
+xvfb-run -a -s "$screen" "$binary" --measure-startup
+
+# The window fills the screen; the photograph waits for the calculation and the drawing.
+xvfb-run -a -s "$screen" bash -c '
+    "$1" -geometry 1280x900+0+0 --expression "$2" --tab "$3" &
+    pid=$!
+    sleep "${TALVEX_SCREENSHOT_DELAY:-3}"
+    import -window root "$4"
+    kill "$pid"
+    wait "$pid" 2>/dev/null || true
+' screenshot "$binary" "$expression" "$tab" "$output"
+echo "Wrote $output"
