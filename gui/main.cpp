@@ -9,6 +9,7 @@
 #include "app/startup.h"
 #include "gui/desktop_app.h"
 #include "gui/main_window.h"
+#include "gui/termination_signals.h"
 
 namespace {
 
@@ -62,10 +63,14 @@ int main(int argc, char* argv[]) {
     const QCommandLineOption tab(QStringLiteral("tab"),
                                  QStringLiteral("Show the tab <label> (Profile, Tables, ...)."),
                                  QStringLiteral("label"));
+    const QCommandLineOption compare(
+        QStringLiteral("compare"),
+        QStringLiteral("Compare the expressions with <text> (turns Mirror on)."),
+        QStringLiteral("text"));
     const QCommandLineOption measureStartup(
         QStringLiteral("measure-startup"),
         QStringLiteral("Print the milliseconds until the window is first drawn, then quit."));
-    parser.addOptions({expression, tab, measureStartup});
+    parser.addOptions({expression, compare, tab, measureStartup});
     parser.process(application);
 
     talvex::gui::DesktopApp desktop;
@@ -77,17 +82,24 @@ int main(int argc, char* argv[]) {
     }
 
     talvex::gui::MainWindow& window = desktop.window();
+    talvex::gui::TerminationSignals termination;
+    QObject::connect(&termination, &talvex::gui::TerminationSignals::received, &window,
+                     [&desktop] { desktop.controller().TalvexQuit(); });
     FirstPaintClock clock(sinceStart, window, desktop.controller());
     if (parser.isSet(measureStartup)) {
         application.installEventFilter(&clock);
     }
     window.show();
     const QStringList expressions = parser.values(expression);
+    const QString comparison = parser.value(compare);
     const QString tabLabel = parser.value(tab);
-    if (!expressions.isEmpty() || !tabLabel.isEmpty()) {
-        QTimer::singleShot(0, &window, [&window, expressions, tabLabel] {
+    if (!expressions.isEmpty() || !comparison.isEmpty() || !tabLabel.isEmpty()) {
+        QTimer::singleShot(0, &window, [&window, expressions, comparison, tabLabel] {
             for (const QString& text : expressions) {
                 window.requestExpression(text);
+            }
+            if (!comparison.isEmpty()) {
+                window.compareWith(comparison);
             }
             if (!tabLabel.isEmpty()) {
                 window.selectTab(tabLabel.toStdString());

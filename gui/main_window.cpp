@@ -18,6 +18,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "app/controller/controller_state.h"
 #include "app/controller/talvex_controller.h"
 #include "gui/shell_windows.h"
 #include "gui/styled_document.h"
@@ -56,8 +57,8 @@ constexpr std::array<FieldNames, app::kDisplayPairCount> kFieldNames = {{
 constexpr const char* kFieldProperty = "talvexField";
 // Resizes arrive in bursts while a person drags; the displays follow once it pauses.
 constexpr int kResizeSettleMilliseconds = 60;
-// The statistics block: a title and six statistics, with room for a scroll bar.
-constexpr int kStatisticsLines = 8;
+// The statistics block: a title, a blank line and six statistics, with room to spare.
+constexpr int kStatisticsLines = 9;
 
 std::size_t at(TextField field) { return static_cast<std::size_t>(field); }
 
@@ -212,6 +213,8 @@ void MainWindow::buildWidgets() {
     rollPalette.setColor(QPalette::Base, QColor(0x26, 0x2a, 0x33));
     rollPalette.setColor(QPalette::Text, QColor(0xf0, 0xf0, 0xf0));
     roll->setPalette(rollPalette);
+    // Centring needs a line as wide as the field, which only wrapping at its width gives.
+    roll->setLineWrapMode(QTextEdit::WidgetWidth);
     roll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     roll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 
@@ -220,8 +223,11 @@ void MainWindow::buildWidgets() {
     auto* statisticsRow = new QHBoxLayout;
     statisticsRow->setSpacing(4);
     roll->setFixedSize(metrics.horizontalAdvance(QLatin1Char('0')) * 18, statisticsHeight);
-    m_fields[at(TextField::statistics)]->setFixedHeight(statisticsHeight);
-    m_fields[at(TextField::compareStatistics)]->setFixedHeight(statisticsHeight);
+    // The reports end in blank lines, which need no scroll bar; the view shows everything.
+    for (const TextField field : {TextField::statistics, TextField::compareStatistics}) {
+        m_fields[at(field)]->setFixedHeight(statisticsHeight);
+        m_fields[at(field)]->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    }
     statisticsRow->addWidget(roll);
     statisticsRow->addWidget(m_fields[at(TextField::statistics)], 1);
     statisticsRow->addWidget(m_fields[at(TextField::compareStatistics)], 1);
@@ -395,6 +401,23 @@ void MainWindow::openView(TextView view) {
 void MainWindow::requestExpression(const QString& text) {
     m_expressionField->setText(text);
     m_rollButton->click();
+}
+
+void MainWindow::compareWith(const QString& text) {
+    if (m_controller == nullptr) {
+        return;
+    }
+    const std::string current = selectedPopUpTitle(app::PopUp::expression);
+    m_checkBoxes[static_cast<std::size_t>(app::CheckBox::mirror)]->setChecked(true);
+    requestExpression(text);
+    const std::string title = selectedPopUpTitle(app::PopUp::expression);
+    // Back to the expression by its title: typed again, it would become a title of its own.
+    if (current != app::kSelectExpression) {
+        selectPopUpTitle(app::PopUp::expression, current);
+        m_controller->expressionSelect();
+    }
+    selectPopUpTitle(app::PopUp::compare, title);
+    m_controller->compareSelect();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

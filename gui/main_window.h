@@ -60,6 +60,9 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     void openView(app::TextView view);
     // Types the text into the expression field and rolls, as a person would.
     void requestExpression(const QString& text);
+    // Turns Mirror on, calculates the text and chooses it as the comparison of the expression
+    // in the field, as a person would with the pop-up.
+    void compareWith(const QString& text);
 
     // app::MainWindow
     [[nodiscard]] std::string fieldText(app::TextField field) const override;

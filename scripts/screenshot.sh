@@ -2,16 +2,18 @@
 # Builds talvex, opens it on a virtual X screen in a fresh home folder, calculates an expression
 # and photographs the screen: docs/screenshot.png. Also prints how long the window took to
 # appear.
-# Usage: scripts/screenshot.sh [EXPRESSION [TAB [OUTPUT]]]
-#        (defaults: "3d6 vs 2d10", Profile, docs/screenshot.png)
+# Usage: scripts/screenshot.sh [EXPRESSION [COMPARISON [TAB [OUTPUT]]]]
+#        (defaults: 3d6 compared with 2d10 on the Tables tab, docs/screenshot.png; an empty
+#        COMPARISON compares nothing)
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/ensure_packages.sh
 talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
 
-expression=${1:-3d6 vs 2d10}
-tab=${2:-Profile}
-output=${3:-docs/screenshot.png}
+expression=${1:-3d6}
+comparison=${2-2d10}
+tab=${3:-Tables}
+output=${4:-docs/screenshot.png}
 binary=${TALVEX_BINARY:-build/release/gui/talvex}
 
 if [ -z "${TALVEX_BINARY:-}" ]; then
@@ -39,11 +41,13 @@ xvfb-run -a -s "$screen" "$binary" --measure-startup
 
 # The window fills the screen; the photograph waits for the calculation and the drawing.
 xvfb-run -a -s "$screen" bash -c '
-    "$1" -geometry 1280x900+0+0 --expression "$2" --tab "$3" &
+    compare=()
+    if [ -n "$3" ]; then compare=(--compare "$3"); fi
+    "$1" -geometry 1280x900+0+0 --expression "$2" "${compare[@]}" --tab "$4" &
     pid=$!
     sleep "${TALVEX_SCREENSHOT_DELAY:-3}"
-    import -window root "$4"
+    import -window root "$5"
     kill "$pid"
     wait "$pid" 2>/dev/null || true
-' screenshot "$binary" "$expression" "$tab" "$output"
+' screenshot "$binary" "$expression" "$comparison" "$tab" "$output"
 echo "Wrote $output"

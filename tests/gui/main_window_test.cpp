@@ -8,7 +8,10 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
 #include <QTextEdit>
+#include <QTextLayout>
 
 #include "app/controller/controller_state.h"
 #include "gui/view_window.h"
@@ -67,6 +70,18 @@ TEST_F(MainWindowTest, TypingAnExpressionAndReturnFillsTheDisplaysAndThePopUp) {
     EXPECT_EQ(selected("expressionPop"), QStringLiteral("3d6 "));
 }
 
+TEST_F(MainWindowTest, TheRollStandsInTheMiddleOfItsField) {
+    request(QStringLiteral("3d6"));
+    const QTextEdit* roll = find<QTextEdit>("rollField");
+    const QTextBlock first = roll->document()->firstBlock();
+    ASSERT_TRUE(first.layout() != nullptr && first.layout()->lineCount() > 0);
+    const QTextLine line = first.layout()->lineAt(0);
+    const qreal left = line.naturalTextRect().left();
+    const qreal right = roll->viewport()->width() - line.naturalTextRect().right();
+    EXPECT_GT(left, 10.0);
+    EXPECT_NEAR(left, right, 12.0);
+}
+
 TEST_F(MainWindowTest, TheRollButtonRollsTheTypedExpression) {
     QLineEdit* field = expressionField();
     QTest::keyClicks(field, QStringLiteral("2d4"));
@@ -100,6 +115,16 @@ TEST_F(MainWindowTest, WithMirrorOnAnExpressionCanBeComparedOnEveryTab) {
     showTab(QStringLiteral("Versus"));
     EXPECT_TRUE(shown("versusField").contains(QStringLiteral("2d10")));
     EXPECT_TRUE(shown("versusField").contains(QStringLiteral("3d6")));
+}
+
+TEST_F(MainWindowTest, CompareWithChoosesTheComparisonAsThePopUpWould) {
+    request(QStringLiteral("3d6"));
+    window().compareWith(QStringLiteral("2d10"));
+    EXPECT_TRUE(find<QCheckBox>("mirrorCheckBox")->isChecked());
+    EXPECT_EQ(selected("expressionPop"), QStringLiteral("3d6 "));
+    EXPECT_EQ(selected("comparePop"), QStringLiteral("2d10 "));
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("3d6")));
+    EXPECT_TRUE(shown("compareStatisticsField").contains(QStringLiteral("2d10")));
 }
 
 TEST_F(MainWindowTest, BackAndForwardStepThroughTheRequests) {

@@ -74,8 +74,8 @@ class StartUpTest : public GuiTest {
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
 
-    // Starts the real program in this home and kills it once it has started, as a crash would.
-    void killARunningProgram() {
+    // Starts the real program in this home and sends it the signal once it has started.
+    void signalARunningProgram(int signal, QProcess::ExitStatus expected) {
         QProcess program;
         program.setProcessEnvironment(m_home.environment());
         program.start(QStringLiteral(TALVEX_GUI_PATH), {});
@@ -84,10 +84,14 @@ class StartUpTest : public GuiTest {
         ASSERT_TRUE(QTest::qWaitFor(
             [this] { return settingsText().contains(QStringLiteral("didCrash=true")); }, 20000))
             << settingsText().toStdString();
-        ::kill(static_cast<pid_t>(program.processId()), SIGKILL);
+        // The signal handlers are in place once the event loop runs.
+        QTest::qWait(300);
+        ::kill(static_cast<pid_t>(program.processId()), signal);
         ASSERT_TRUE(program.waitForFinished(20000));
-        EXPECT_EQ(program.exitStatus(), QProcess::CrashExit);
+        EXPECT_EQ(program.exitStatus(), expected);
     }
+    // As a crash would.
+    void killARunningProgram() { signalARunningProgram(SIGKILL, QProcess::CrashExit); }
 
     // Builds and launches the application without expecting it to stay.
     void launch() {
@@ -213,6 +217,11 @@ TEST_F(StartUpTest, TheProgramOpensItsWindowAndEndsNormally) {
     EXPECT_TRUE(QString::fromUtf8(program.readAllStandardOutput())
                     .contains(QStringLiteral("ms to the first paint")));
     // The run ended normally, so the next start offers no reset.
+    EXPECT_TRUE(settingsText().contains(QStringLiteral("didCrash=false")));
+}
+
+TEST_F(StartUpTest, ALogoutsTerminationSignalEndsTheRunNormally) {
+    ASSERT_NO_FATAL_FAILURE(signalARunningProgram(SIGTERM, QProcess::NormalExit));
     EXPECT_TRUE(settingsText().contains(QStringLiteral("didCrash=false")));
 }
 
