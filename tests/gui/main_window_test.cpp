@@ -110,11 +110,48 @@ TEST_F(MainWindowTest, WithMirrorOnAnExpressionCanBeComparedOnEveryTab) {
     // Choosing a comparison switches cycling off.
     EXPECT_FALSE(find<QCheckBox>("cycleCheckBox")->isChecked());
     showTab(QStringLiteral("Tables"));
-    EXPECT_FALSE(shown("tableCompareField1").isEmpty());
-    EXPECT_FALSE(shown("tableCompareField2").isEmpty());
+    EXPECT_TRUE(shown("tableCompareField1").startsWith(QStringLiteral("2d10")));
+    EXPECT_TRUE(shown("tableCompareField2").startsWith(QStringLiteral("3d6")));
+    showTab(QStringLiteral("Diagrams"));
+    EXPECT_TRUE(shown("diagramCompareField1").startsWith(QStringLiteral("2d10")));
+    EXPECT_TRUE(shown("diagramCompareField2").startsWith(QStringLiteral("3d6")));
     showTab(QStringLiteral("Versus"));
-    EXPECT_TRUE(shown("versusField").contains(QStringLiteral("2d10")));
-    EXPECT_TRUE(shown("versusField").contains(QStringLiteral("3d6")));
+    EXPECT_TRUE(shown("versusField").startsWith(QStringLiteral("(2d10)vs(3d6)")));
+    EXPECT_TRUE(shown("versusLegendField").contains(QStringLiteral("dominates")));
+    showTab(QStringLiteral("Versus with Tie"));
+    EXPECT_TRUE(shown("versusWithTieField").startsWith(QStringLiteral("(2d10)vt(3d6)")));
+    EXPECT_FALSE(shown("versusWithTieLegendField").isEmpty());
+}
+
+TEST_F(MainWindowTest, WithMirrorAndCycleEachRequestIsComparedWithTheOneBefore) {
+    find<QCheckBox>("mirrorCheckBox")->setChecked(true);
+    find<QCheckBox>("cycleCheckBox")->setChecked(true);
+    request(QStringLiteral("1d6"));
+    request(QStringLiteral("1d8"));
+    EXPECT_TRUE(shown("statisticsField").startsWith(QStringLiteral("1d8")));
+    EXPECT_TRUE(shown("compareStatisticsField").startsWith(QStringLiteral("1d6")));
+    EXPECT_EQ(selected("comparePop"), QStringLiteral("1d6 "));
+    request(QStringLiteral("1d10"));
+    EXPECT_TRUE(shown("compareStatisticsField").startsWith(QStringLiteral("1d8")));
+}
+
+TEST_F(MainWindowTest, RequestingTheSameExpressionAgainOnlyRollsAgain) {
+    request(QStringLiteral("1d1000"));
+    const QStringList titlesBefore = titles("expressionPop");
+    const QString statistics = shown("statisticsField");
+    QStringList rolls{shown("rollField").trimmed()};
+    // A thousand faces: ten rolls in a row are the same only once in 10^27 runs.
+    for (int i = 0; i < 10; ++i) {
+        QTest::keyClick(expressionField(), Qt::Key_Return);
+        rolls.append(shown("rollField").trimmed());
+    }
+    EXPECT_EQ(titles("expressionPop"), titlesBefore);
+    EXPECT_EQ(shown("statisticsField"), statistics);
+    rolls.removeDuplicates();
+    EXPECT_GT(rolls.size(), 1);
+    // Back steps to nothing earlier: the repeats made no history entries.
+    click("backButton");
+    EXPECT_EQ(shown("statisticsField"), statistics);
 }
 
 TEST_F(MainWindowTest, CompareWithChoosesTheComparisonAsThePopUpWould) {
