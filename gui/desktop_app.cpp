@@ -61,9 +61,15 @@ void DesktopApp::finish() {
 }
 
 int DesktopApp::exec() {
+    // Asked for before the loop runs: the queued exit would be lost, the loop never left.
+    if (terminationRequested()) {
+        finish();
+        return 0;
+    }
     // Queued, so that the action asking to end returns before the loop stops. exit() rather
     // than quit(): quit() first asks every window to close, and the main window answers a
-    // close by asking to quit again.
+    // close by asking to quit again. Connected only here, where the application's loop runs:
+    // an exit() with no loop to end would make the next modal loop (an alert's) return at once.
     QObject::connect(
         m_shell.get(), &ShellWindows::terminating, qApp, [] { QCoreApplication::exit(0); },
         Qt::QueuedConnection);

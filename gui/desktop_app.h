@@ -43,7 +43,7 @@ class DesktopApp {
     // The controller's orderly end; only the first call does anything.
     void finish();
     // Shows the main window (when not shown yet), runs the event loop until the controller
-    // ends the run, then finishes. Returns the loop's exit code.
+    // ends the run, then finishes. Returns the loop's exit code. Once per run.
     int exec();
 
     [[nodiscard]] MainWindow& window() { return *m_window; }

@@ -38,11 +38,11 @@ round, ties shared. <b>Versus with Tie</b> counts ties on their own.</li>
 open it in a window of its own with every row.</p>
 
 <h3>Comparing two expressions</h3>
-<p>Each expression you calculate joins the pop-up on the left. Pick one in <b>Compare with</b>
-to compare the current expression with it. With <b>Mirror</b> on, typed expressions join the
-comparison pop-up as well; with <b>Mirror</b> and <b>Cycle</b> both on, each new expression is
-compared with the one before, so typing <code>3d6</code> and then <code>2d10</code> shows
-<code>2d10</code> against <code>3d6</code>.</p>
+<p>Each expression you calculate joins the pop-up on the left. Switch <b>Mirror</b> on and
+each one joins <b>Compare with</b> as well; pick one there to compare the current expression
+with it. With <b>Mirror</b> and <b>Cycle</b> both on, each new expression is compared with the
+one before, so typing <code>3d6</code> and then <code>2d10</code> shows <code>2d10</code>
+against <code>3d6</code>.</p>
 <p><b>Back</b> and <b>Forward</b> step through the requests of this session, as in a web
 browser.</p>
 

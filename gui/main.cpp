@@ -74,17 +74,21 @@ int main(int argc, char* argv[]) {
     parser.process(application);
 
     talvex::gui::DesktopApp desktop;
+    // Watched from before the launch marks the run unfinished on disk, so that no moment of a
+    // run leaves that mark behind after a logout; a signal during the launch is acted on once
+    // an event loop runs (the crash alert's, or the application's).
+    talvex::gui::TerminationSignals termination;
+    QObject::connect(&termination, &talvex::gui::TerminationSignals::received, &desktop.window(),
+                     [&desktop] { desktop.controller().TalvexQuit(); });
     desktop.launch();
     if (desktop.terminationRequested()) {
-        // The crash alert's factory reset ends the run before the window opens.
+        // The crash alert's factory reset (or a signal while it was shown) ends the run before
+        // the window opens.
         desktop.finish();
         return 0;
     }
 
     talvex::gui::MainWindow& window = desktop.window();
-    talvex::gui::TerminationSignals termination;
-    QObject::connect(&termination, &talvex::gui::TerminationSignals::received, &window,
-                     [&desktop] { desktop.controller().TalvexQuit(); });
     FirstPaintClock clock(sinceStart, window, desktop.controller());
     if (parser.isSet(measureStartup)) {
         application.installEventFilter(&clock);

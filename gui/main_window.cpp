@@ -17,6 +17,8 @@
 #include <QTextEdit>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <limits>
 
 #include "app/controller/controller_state.h"
 #include "app/controller/talvex_controller.h"
@@ -132,6 +134,9 @@ void MainWindow::buildWidgets() {
                        "1d20+5, 3d6 vs 2d10 … and press Return"));
     m_expressionField->setFont(reportFont());
     m_expressionField->setClearButtonEnabled(true);
+    // The default cap of 32767 characters would silently cut a long expression, for instance
+    // one rolled from the expression's view.
+    m_expressionField->setMaxLength(std::numeric_limits<int>::max());
     m_rollButton = new QPushButton(QStringLiteral("Roll"));
     m_rollButton->setObjectName(QStringLiteral("rollButton"));
     auto* expressionLabel = new QLabel(QStringLiteral("&Expression:"));
@@ -151,6 +156,8 @@ void MainWindow::buildWidgets() {
         combo->setEditable(false);
         combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
         combo->setMinimumContentsLength(18);
+        // A choice calculates at once, so a wheel turned while passing over must not choose.
+        combo->installEventFilter(this);
         m_popUps[i] = combo;
     }
     m_popUps[0]->setToolTip(QStringLiteral("The expressions of this session"));
@@ -161,7 +168,7 @@ void MainWindow::buildWidgets() {
         m_popUps[i]->setMinimumContentsLength(14);
         m_popUps[i]->setToolTip(QStringLiteral("Expression lists (not available yet)"));
     }
-    auto* compareLabel = new QLabel(QStringLiteral("&Compare with:"));
+    auto* compareLabel = new QLabel(QStringLiteral("Com&pare with:"));
     compareLabel->setBuddy(m_popUps[1]);
     choiceRow->addWidget(m_popUps[0]);
     choiceRow->addWidget(compareLabel);
@@ -289,6 +296,8 @@ void MainWindow::buildMenus() {
     m_calculateMenu = menuBar()->addMenu(QStringLiteral("&Calculate"));
     m_rollAction = action(m_calculateMenu, QStringLiteral("&Roll"), "rollAction",
                           {QKeySequence(QStringLiteral("Ctrl+R"))});
+    // In the expression's own window Ctrl+R rolls the text typed there instead.
+    m_rollAction->setShortcutContext(Qt::WindowShortcut);
     m_calculateMenu->addSeparator();
     m_backAction = action(m_calculateMenu, QStringLiteral("&Back"), "backAction",
                           shortcuts({QKeySequence(QStringLiteral("Ctrl+[")),
@@ -437,6 +446,11 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Wheel &&
+        std::find(m_popUps.begin(), m_popUps.end(), watched) != m_popUps.end()) {
+        event->ignore();
+        return true;
+    }
     if (event->type() == QEvent::MouseButtonDblClick) {
         const QVariant field = watched->property(kFieldProperty);
         if (field.isValid()) {

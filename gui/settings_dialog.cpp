@@ -37,7 +37,7 @@ struct FieldSpec {
 
 constexpr std::array<FieldSpec, 8> kFields = {{
     {PanelField::dividers, "dividersField",
-     "&Dividers:", "Percentiles that split the diagram, e.g. 25,50,75"},
+     "Divid&ers:", "Percentiles that split the diagram, e.g. 25,50,75"},
     {PanelField::height, "heightField",
      "&Table height:", "The most rows a table or diagram may have"},
     {PanelField::diagramHeight, "diagramHeightField",
@@ -45,7 +45,7 @@ constexpr std::array<FieldSpec, 8> kFields = {{
     {PanelField::maxBar, "maxBarField", "&Max bar:", "The length of the longest table bar"},
     {PanelField::logSize, "logSizeField", "Log si&ze:", "The entries the log keeps"},
     {PanelField::statisticPrecision, "statisticPrecisionField",
-     "&Statistics precision:", "Decimals of the statistics"},
+     "Stat&istics precision:", "Decimals of the statistics"},
     {PanelField::valuePrecision, "valuePrecisionField",
      "&Value precision:", "Decimals of the outcomes"},
     {PanelField::weightPrecision, "weightPrecisionField",
@@ -94,7 +94,7 @@ SettingsDialog::SettingsDialog(QWidget* parent) : QDialog(parent) {
 
     const std::array<std::array<const char*, 2>, 2> rowLabels = {{
         {"&Relative bars", "&Absolute bars"},
-        {"A&verage interval weights", "T&otal interval weights"},
+        {"Average i&nterval weights", "T&otal interval weights"},
     }};
     const std::array<const char*, 2> matrixNames = {"bars", "intervalWeights"};
     for (std::size_t m = 0; m < 2; ++m) {

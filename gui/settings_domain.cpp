@@ -18,7 +18,11 @@ QString keyIn(const char* group, const std::string& key) {
 }  // namespace
 
 SettingsDomain::SettingsDomain()
-    : m_settings(QStringLiteral("Corvessa"), QStringLiteral("Talvex")) {}
+    : m_settings(QStringLiteral("Corvessa"), QStringLiteral("Talvex")) {
+    // Only the application's own file: values from the organisation's or the system's files
+    // could not be removed by a factory reset.
+    m_settings.setFallbacksEnabled(false);
+}
 
 std::optional<app::DefaultValue> SettingsDomain::value(const std::string& key) const {
     if (const QVariant flag = m_settings.value(keyIn(kFlags, key)); flag.isValid()) {

@@ -5,6 +5,7 @@
 
 #include <QSocketNotifier>
 #include <array>
+#include <cerrno>
 #include <csignal>
 
 namespace talvex::gui {
@@ -13,12 +14,14 @@ namespace {
 
 // A signal handler may only write to a descriptor, so the pipe it writes to must be reachable
 // without arguments. Set once while the watcher is made, read only by the handler.
-int signalWriteEnd = -1;
+volatile std::sig_atomic_t signalWriteEnd = -1;
 
 void onSignal(int /*signal*/) {
+    const int savedErrno = errno;
     const char byte = 1;
     // Nothing more can be done in a handler when the write fails.
     static_cast<void>(::write(signalWriteEnd, &byte, 1));
+    errno = savedErrno;
 }
 
 constexpr std::array<int, 3> kSignals = {SIGTERM, SIGINT, SIGHUP};
@@ -42,7 +45,8 @@ TerminationSignals::TerminationSignals(QObject* parent) : QObject(parent) {
     struct sigaction action {};
     action.sa_handler = onSignal;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_RESTART;
+    // A second signal ends the process at once, for a window stuck in a long calculation.
+    action.sa_flags = SA_RESTART | SA_RESETHAND;
     for (const int signal : kSignals) {
         ::sigaction(signal, &action, nullptr);
     }
@@ -58,7 +62,7 @@ TerminationSignals::~TerminationSignals() {
     const auto readEnd = static_cast<int>(m_notifier->socket());
     delete m_notifier;
     ::close(readEnd);
-    ::close(signalWriteEnd);
+    ::close(static_cast<int>(signalWriteEnd));
     signalWriteEnd = -1;
 }
 

@@ -8,7 +8,8 @@ namespace talvex::gui {
 
 // Turns SIGTERM, SIGINT and SIGHUP (a logout, Ctrl+C in the terminal, a closed terminal) into
 // an orderly quit on the event loop, so that the settings and the log are written as after the
-// Quit command and the next start offers no factory reset. One per process.
+// Quit command and the next start offers no factory reset. A second signal ends the process at
+// once. One per process.
 class TerminationSignals final : public QObject {
     Q_OBJECT
 

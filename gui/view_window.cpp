@@ -3,6 +3,7 @@
 #include <QDialogButtonBox>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTextEdit>
 #include <QVBoxLayout>
 
@@ -34,7 +35,14 @@ ViewWindow::ViewWindow(const QString& title, bool editable, QWidget* parent)
             buttons->addButton(QStringLiteral("Roll"), QDialogButtonBox::AcceptRole);
         cancel->setObjectName(QStringLiteral("viewCancelButton"));
         roll->setObjectName(QStringLiteral("viewRollButton"));
-        roll->setDefault(true);
+        // Ctrl+R rolls what is typed here, as it rolls the expression field in the main window.
+        for (const QKeySequence& keys : {QKeySequence(QStringLiteral("Ctrl+R")),
+                                         QKeySequence(QStringLiteral("Ctrl+Return"))}) {
+            auto* shortcut = new QShortcut(keys, this);
+            shortcut->setContext(Qt::WindowShortcut);
+            connect(shortcut, &QShortcut::activated, this, &ViewWindow::rollRequested);
+        }
+        roll->setToolTip(QStringLiteral("Calculate this expression (Ctrl+R)"));
         connect(roll, &QPushButton::clicked, this, &ViewWindow::rollRequested);
         connect(cancel, &QPushButton::clicked, this, [this] {
             emit cancelRequested();

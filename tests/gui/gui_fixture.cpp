@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
@@ -74,6 +75,7 @@ QProcessEnvironment TemporaryHome::environment() const {
 }
 
 GuiTest::~GuiTest() {
+    delete m_alertPoll;
     if (m_app) {
         m_app->finish();
         m_app.reset();
@@ -160,23 +162,25 @@ QString GuiTest::selected(const char* popUpName) {
     return combo == nullptr ? QString() : combo->currentText();
 }
 
-std::shared_ptr<bool> GuiTest::answerNextModal(std::function<void(QWidget&)> answer) {
+std::shared_ptr<bool> GuiTest::answerNextAlertBox(std::function<void(QMessageBox&)> answer) {
     auto answered = std::make_shared<bool>(false);
-    auto* poll = new QTimer(qApp);
-    auto* waited = new QElapsedTimer;
+    // Owned by the test, so that an alert that never came cannot be answered by a later test.
+    delete m_alertPoll;
+    m_alertPoll = new QTimer;
+    QTimer* poll = m_alertPoll;
+    auto waited = std::make_shared<QElapsedTimer>();
     waited->start();
     poll->setInterval(10);
     QObject::connect(poll, &QTimer::timeout, poll, [poll, waited, answered, answer] {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (modal == nullptr && waited->elapsed() < kModalTimeoutMilliseconds) {
+        // Only an alert: the settings dialog is modal too.
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr && waited->elapsed() < kModalTimeoutMilliseconds) {
             return;
         }
         poll->stop();
-        poll->deleteLater();
-        delete waited;
-        if (modal != nullptr) {
+        if (box != nullptr) {
             *answered = true;
-            answer(*modal);
+            answer(*box);
         }
     });
     poll->start();

@@ -16,6 +16,8 @@
 #include "gui/main_window.h"
 
 class QComboBox;
+class QMessageBox;
+class QTimer;
 class QLineEdit;
 class QTextEdit;
 class QWidget;
@@ -76,17 +78,19 @@ class GuiTest : public ::testing::Test {
     [[nodiscard]] QString statusMessage();
     void click(const char* buttonName);
     void trigger(const char* actionName);
-    // Picks the item with the keyboard, which is how `activated` reaches the controller.
+    // Opens the pop-up's list and clicks the item, which is how `activated` reaches the
+    // controller.
     void choose(const char* popUpName, const QString& title);
     [[nodiscard]] QStringList titles(const char* popUpName);
     [[nodiscard]] QString selected(const char* popUpName);
 
-    // Runs `answer` on the next modal window (an alert) once it appears, from the event loop
-    // the modal window runs. Returns a flag that tells whether it was answered.
-    std::shared_ptr<bool> answerNextModal(std::function<void(QWidget&)> answer);
+    // Runs `answer` on the next alert once it appears, from the event loop the alert runs.
+    // Returns a flag that tells whether it was answered.
+    std::shared_ptr<bool> answerNextAlertBox(std::function<void(QMessageBox&)> answer);
 
     TemporaryHome m_home;
     std::unique_ptr<DesktopApp> m_app;
+    QTimer* m_alertPoll = nullptr;
 };
 
 }  // namespace talvex::gui::testing

@@ -12,6 +12,7 @@
 #include <QTextDocument>
 #include <QTextEdit>
 #include <QTextLayout>
+#include <QWheelEvent>
 
 #include "app/controller/controller_state.h"
 #include "gui/view_window.h"
@@ -136,6 +137,7 @@ TEST_F(MainWindowTest, WithMirrorAndCycleEachRequestIsComparedWithTheOneBefore) 
 }
 
 TEST_F(MainWindowTest, RequestingTheSameExpressionAgainOnlyRollsAgain) {
+    request(QStringLiteral("1d6"));
     request(QStringLiteral("1d1000"));
     const QStringList titlesBefore = titles("expressionPop");
     const QString statistics = shown("statisticsField");
@@ -149,9 +151,9 @@ TEST_F(MainWindowTest, RequestingTheSameExpressionAgainOnlyRollsAgain) {
     EXPECT_EQ(shown("statisticsField"), statistics);
     rolls.removeDuplicates();
     EXPECT_GT(rolls.size(), 1);
-    // Back steps to nothing earlier: the repeats made no history entries.
+    // One step back reaches the request before: the repeats made no history entries.
     click("backButton");
-    EXPECT_EQ(shown("statisticsField"), statistics);
+    EXPECT_TRUE(shown("statisticsField").startsWith(QStringLiteral("1d6")));
 }
 
 TEST_F(MainWindowTest, CompareWithChoosesTheComparisonAsThePopUpWould) {
@@ -233,6 +235,53 @@ TEST_F(MainWindowTest, TheExpressionViewRollsWhatIsTypedIntoIt) {
     EXPECT_EQ(expressionField()->text(), QStringLiteral("4d4"));
 }
 
+TEST_F(MainWindowTest, CtrlRInTheExpressionViewRollsWhatIsTypedThere) {
+    request(QStringLiteral("3d6"));
+    window().openView(app::TextView::expression);
+    auto* view = window().findChild<ViewWindow*>(QStringLiteral("expressionFieldView"));
+    ASSERT_NE(view, nullptr);
+    view->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), view);
+    view->editor()->setPlainText(QStringLiteral("5d4"));
+    QTest::keyClick(view->editor(), Qt::Key_R, Qt::ControlModifier);
+    EXPECT_TRUE(shown("statisticsField").startsWith(QStringLiteral("5d4")));
+}
+
+TEST_F(MainWindowTest, AWheelTurnedOverAPopUpChoosesNothing) {
+    request(QStringLiteral("1d4"));
+    request(QStringLiteral("1d8"));
+    auto* combo = find<QComboBox>("expressionPop");
+    const QString before = combo->currentText();
+    const QPoint centre = combo->rect().center();
+    for (const int delta : {120, -120, -120}) {
+        QWheelEvent wheel(centre, combo->mapToGlobal(centre), QPoint(), QPoint(0, delta),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(combo, &wheel);
+    }
+    EXPECT_EQ(combo->currentText(), before);
+    EXPECT_TRUE(shown("statisticsField").startsWith(QStringLiteral("1d8")));
+}
+
+TEST_F(MainWindowTest, AnExpressionLongerThanALineEditsDefaultCapIsKeptWhole) {
+    // "1+1+...+1" of 40,001 characters, well past the line edit's usual cap of 32767.
+    QString longText = QStringLiteral("1");
+    while (longText.size() < 40000) {
+        longText += QStringLiteral("+1");
+    }
+    window().openView(app::TextView::expression);
+    auto* view = window().findChild<ViewWindow*>(QStringLiteral("expressionFieldView"));
+    ASSERT_NE(view, nullptr);
+    view->editor()->setPlainText(longText);
+    auto* roll = view->findChild<QPushButton*>(QStringLiteral("viewRollButton"));
+    ASSERT_NE(roll, nullptr);
+    QTest::mouseClick(roll, Qt::LeftButton);
+    EXPECT_EQ(expressionField()->text().size(), longText.size());
+    // Every one of the ones counts.
+    const auto ones = (longText.size() + 1) / 2;
+    EXPECT_TRUE(shown("statisticsField").contains(QStringLiteral("Mean:\t\t%1\n").arg(ones)))
+        << shown("statisticsField").right(200).toStdString();
+}
+
 TEST_F(MainWindowTest, RunningCalculationPutsTheRollIntoTheExpressionField) {
     trigger("runningCalculationAction");
     request(QStringLiteral("3d6"));
@@ -247,13 +296,14 @@ TEST_F(MainWindowTest, ClosingTheMainWindowQuitsTheApplication) {
 
 TEST_F(MainWindowTest, ATallerWindowShowsMoreTableRows) {
     request(QStringLiteral("10d10"));
-    window().resize(1000, 600);
-    QTest::qWait(200);
-    const auto shortRows = shown("tableField").count(QLatin1Char('\n'));
+    const auto rows = [this] { return shown("tableField").count(QLatin1Char('\n')); };
+    const auto initialRows = rows();
+    window().resize(1000, 500);
+    // The displays follow once the size settles.
+    QTRY_VERIFY(rows() < initialRows);
+    const auto shortRows = rows();
     window().resize(1000, 1000);
-    QTest::qWait(200);
-    const auto tallRows = shown("tableField").count(QLatin1Char('\n'));
-    EXPECT_GT(tallRows, shortRows);
+    QTRY_VERIFY(rows() > shortRows);
 }
 
 }  // namespace

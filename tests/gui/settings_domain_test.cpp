@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 
 #include "gui/registration_defaults.h"
@@ -27,6 +29,11 @@ TEST(SettingsDomainTest, EachValueReadsBackAsTheKindItWasWrittenAfterARestart) {
         domain.setValue("prefs", std::string("Talvex Preferences\n\nheight=300\n"));
         EXPECT_TRUE(domain.flush());
     }
+    // Qt keeps what it read of a file for the whole process; a copy under another home is a
+    // file it has never seen, so this reads what is on disk.
+    TemporaryHome other;
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(other.settingsFile()).path()));
+    ASSERT_TRUE(QFile::copy(home.settingsFile(), other.settingsFile()));
     SettingsDomain reread;
     EXPECT_EQ(reread.value("didCrash"), DefaultValue(true));
     EXPECT_EQ(reread.value("logLength"), DefaultValue(42LL));
@@ -36,7 +43,20 @@ TEST(SettingsDomainTest, EachValueReadsBackAsTheKindItWasWrittenAfterARestart) {
     EXPECT_EQ(reread.value("prefs"),
               DefaultValue(std::string("Talvex Preferences\n\nheight=300\n")));
     EXPECT_EQ(reread.value("missing"), std::nullopt);
-    EXPECT_EQ(reread.fileName(), home.settingsFile());
+    EXPECT_EQ(reread.fileName(), other.settingsFile());
+}
+
+TEST(SettingsDomainTest, TheOrganisationsFileIsNotRead) {
+    TemporaryHome home;
+    {
+        QSettings organisation(QStringLiteral("Corvessa"));
+        organisation.setValue(QStringLiteral("flags/didCrash"), true);
+        organisation.sync();
+        ASSERT_EQ(organisation.status(), QSettings::NoError);
+    }
+    SettingsDomain domain;
+    // A factory reset could not remove what came from there.
+    EXPECT_EQ(domain.value("didCrash"), std::nullopt);
 }
 
 TEST(SettingsDomainTest, ANewKindReplacesTheOldOne) {

@@ -1,6 +1,7 @@
 // The settings panel through its real dialog: showing, saving, cancelling, defaults, problems.
 
 #include <QCheckBox>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -82,6 +83,10 @@ TEST_F(SettingsPanelTest, SavedSettingsSurviveARestart) {
     const std::string stored = desktop().defaults().stringForKey("prefs").value_or("");
     EXPECT_EQ(stored.rfind("Talvex Preferences\n\n", 0), 0U) << stored;
     EXPECT_NE(stored.find("maxBar=25\n"), std::string::npos) << stored;
+    // And on disk, not only in what this process remembers of the file.
+    QFile file(m_home.settingsFile());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("maxBar=25"));
 }
 
 TEST_F(SettingsPanelTest, CancelTakesNothingAndTheNextShowingHasTheSettingsInForce) {

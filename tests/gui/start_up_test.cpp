@@ -35,13 +35,8 @@ class StartUpTest : public GuiTest {
     // Answers the next alert with the named button, the preserve box set as asked.
     std::shared_ptr<AlertSeen> answerNextAlert(const char* buttonName, bool preserve = false) {
         auto seen = std::make_shared<AlertSeen>();
-        static_cast<void>(answerNextModal([seen, buttonName, preserve](QWidget& modal) {
-            auto* box = qobject_cast<QMessageBox*>(&modal);
-            if (box == nullptr) {
-                ADD_FAILURE() << "the modal window is no alert";
-                modal.close();
-                return;
-            }
+        static_cast<void>(answerNextAlertBox([seen, buttonName, preserve](QMessageBox& alert) {
+            QMessageBox* box = &alert;
             seen->text = box->text();
             for (QAbstractButton* button : box->buttons()) {
                 seen->buttons.append(button->text());
@@ -84,8 +79,6 @@ class StartUpTest : public GuiTest {
         ASSERT_TRUE(QTest::qWaitFor(
             [this] { return settingsText().contains(QStringLiteral("didCrash=true")); }, 20000))
             << settingsText().toStdString();
-        // The signal handlers are in place once the event loop runs.
-        QTest::qWait(300);
         ::kill(static_cast<pid_t>(program.processId()), signal);
         ASSERT_TRUE(program.waitForFinished(20000));
         EXPECT_EQ(program.exitStatus(), expected);
