@@ -86,6 +86,20 @@ class StartUpTest : public GuiTest {
     // As a crash would.
     void killARunningProgram() { signalARunningProgram(SIGKILL, QProcess::CrashExit); }
 
+    // A setting that differs from the factory's.
+    void saveMaxBarOf33() {
+        trigger("settingsAction");
+        desktop().settingsDialog().field(app::PanelField::maxBar)->setText(QStringLiteral("33"));
+        click("saveButton");
+    }
+
+    // The run asked to end: finish it as the program would and drop it.
+    void endTheEndedRun() {
+        ASSERT_TRUE(desktop().terminationRequested());
+        m_app->finish();
+        m_app.reset();
+    }
+
     // Builds and launches the application without expecting it to stay.
     void launch() {
         m_app = std::make_unique<DesktopApp>();
@@ -121,9 +135,7 @@ TEST_F(StartUpTest, ARunMarksItselfUnfinishedOnDiskAndAQuitMarksItFinished) {
 
 TEST_F(StartUpTest, AKilledRunIsNoticedAndKeepMySettingsGoesOn) {
     start();
-    trigger("settingsAction");
-    desktop().settingsDialog().field(app::PanelField::maxBar)->setText(QStringLiteral("33"));
-    click("saveButton");
+    saveMaxBarOf33();
     quit();
     ASSERT_NO_FATAL_FAILURE(killARunningProgram());
 
@@ -139,18 +151,14 @@ TEST_F(StartUpTest, AKilledRunIsNoticedAndKeepMySettingsGoesOn) {
 
 TEST_F(StartUpTest, RestoringAfterAKilledRunDropsSettingsAndSupportFolderAndEndsTheRun) {
     start();
-    trigger("settingsAction");
-    desktop().settingsDialog().field(app::PanelField::maxBar)->setText(QStringLiteral("33"));
-    click("saveButton");
+    saveMaxBarOf33();
     quit();
     ASSERT_NO_FATAL_FAILURE(writeKeepsake());
     ASSERT_NO_FATAL_FAILURE(killARunningProgram());
 
     static_cast<void>(answerNextAlert("alternateButton"));
     launch();
-    EXPECT_TRUE(desktop().terminationRequested());
-    m_app->finish();
-    m_app.reset();
+    ASSERT_NO_FATAL_FAILURE(endTheEndedRun());
     EXPECT_FALSE(QFile::exists(keepsake()));
     EXPECT_FALSE(settingsText().contains(QStringLiteral("maxBar=33")));
     // The next start is a first start with the factory settings and no alert.
@@ -161,17 +169,13 @@ TEST_F(StartUpTest, RestoringAfterAKilledRunDropsSettingsAndSupportFolderAndEnds
 TEST_F(StartUpTest, AResetWithThePreserveBoxKeepsListsAndLogButDropsTheSettings) {
     start();
     ASSERT_NO_FATAL_FAILURE(writeKeepsake());
-    trigger("settingsAction");
-    desktop().settingsDialog().field(app::PanelField::maxBar)->setText(QStringLiteral("33"));
-    click("saveButton");
+    saveMaxBarOf33();
 
     const auto seen = answerNextAlert("alternateButton", true);
     trigger("resetAction");
     EXPECT_EQ(seen->text, QString::fromLatin1(app::kResetAskedMessage));
     EXPECT_TRUE(seen->buttons.contains(QStringLiteral("Restore Factory Settings and Quit")));
-    EXPECT_TRUE(desktop().terminationRequested());
-    m_app->finish();
-    m_app.reset();
+    ASSERT_NO_FATAL_FAILURE(endTheEndedRun());
     EXPECT_TRUE(QFile::exists(keepsake()));
     EXPECT_FALSE(settingsText().contains(QStringLiteral("maxBar")));
     start();
@@ -183,9 +187,7 @@ TEST_F(StartUpTest, AResetWithoutThePreserveBoxDeletesTheSupportFolder) {
     ASSERT_NO_FATAL_FAILURE(writeKeepsake());
     static_cast<void>(answerNextAlert("alternateButton", false));
     trigger("resetAction");
-    EXPECT_TRUE(desktop().terminationRequested());
-    m_app->finish();
-    m_app.reset();
+    ASSERT_NO_FATAL_FAILURE(endTheEndedRun());
     EXPECT_FALSE(QFile::exists(keepsake()));
 }
 
