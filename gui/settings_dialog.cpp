@@ -28,14 +28,14 @@ std::size_t at(Enum value) {
     return static_cast<std::size_t>(value);
 }
 
-struct FieldSpec {
+struct FieldEntry {
     PanelField field;
     const char* name;
     const char* label;
     const char* tip;
 };
 
-constexpr std::array<FieldSpec, 8> kFields = {{
+constexpr std::array<FieldEntry, 8> kFields = {{
     {PanelField::dividers, "dividersField",
      "Divid&ers:", "Percentiles that split the diagram, e.g. 25,50,75"},
     {PanelField::height, "heightField",
@@ -52,13 +52,13 @@ constexpr std::array<FieldSpec, 8> kFields = {{
      "&Weight precision:", "Decimals of the probabilities"},
 }};
 
-struct BoxSpec {
+struct BoxEntry {
     PanelCheckBox box;
     const char* name;
     const char* label;
 };
 
-constexpr std::array<BoxSpec, 7> kBoxes = {{
+constexpr std::array<BoxEntry, 7> kBoxes = {{
     {PanelCheckBox::displaySameBar, "displaySameBarCheckBox", "Same &bar scale in comparisons"},
     {PanelCheckBox::displayLegend, "displayLegendCheckBox", "Show &legend for comparisons"},
     {PanelCheckBox::logStatistics, "logStatisticsCheckBox", "Statistics"},
@@ -81,13 +81,13 @@ SettingsDialog::SettingsDialog(QWidget* parent) : QDialog(parent) {
 
     auto* displayBox = new QGroupBox(QStringLiteral("Display"));
     auto* form = new QFormLayout(displayBox);
-    for (const FieldSpec& spec : kFields) {
+    for (const FieldEntry& entry : kFields) {
         auto* edit = new QLineEdit;
-        edit->setObjectName(QString::fromLatin1(spec.name));
-        edit->setToolTip(QString::fromLatin1(spec.tip));
-        m_fields[at(spec.field)] = edit;
-        if (spec.field != PanelField::logSize) {
-            form->addRow(QString::fromLatin1(spec.label), edit);
+        edit->setObjectName(QString::fromLatin1(entry.name));
+        edit->setToolTip(QString::fromLatin1(entry.tip));
+        m_fields[at(entry.field)] = edit;
+        if (entry.field != PanelField::logSize) {
+            form->addRow(QString::fromLatin1(entry.label), edit);
         }
     }
     m_fields[at(PanelField::dividers)]->setFont(reportFont());

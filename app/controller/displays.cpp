@@ -75,7 +75,8 @@ bool Displays::isComparison() const {
 }
 
 bool Displays::isCompareComparison() const {
-    return m_state.compareExpression && isComparisonProfile(m_state.compareExpression->profileView());
+    return m_state.compareExpression &&
+           isComparisonProfile(m_state.compareExpression->profileView());
 }
 
 Displays::Profiles Displays::currentProfiles() const {
