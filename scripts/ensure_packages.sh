@@ -35,7 +35,8 @@ talvex_ensure_packages() {
     $sudo apt-get install -y -qq --no-install-recommends $missing >/dev/null
 }
 
-# Everything the build, the tests, the benchmarks and scripts/screenshot.sh use.
+# Everything the build, the tests, the benchmarks and scripts/screenshot.sh use; unrtf is the
+# independent reader that checks the rich text Talvex writes.
 TALVEX_BUILD_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev
     libcli11-dev nlohmann-json3-dev qt6-base-dev libqt6svg6 libgl-dev xvfb xauth
-    fonts-dejavu-core imagemagick)
+    fonts-dejavu-core imagemagick unrtf)
