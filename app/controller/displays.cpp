@@ -105,77 +105,74 @@ void Displays::profile(DisplayFrame& frame) {
     frame.setView(TextView::profileB, report(a, "diagram/legendView", kViewHeight, comparison));
 }
 
+Displays::Pair Displays::currentPair() const {
+    Pair pair{currentProfiles()};
+    pair.comparison = isComparisonProfile(pair.profiles.expression);
+    pair.compareComparison = isComparisonProfile(pair.profiles.compare);
+    pair.hasExpression = !m_state.expression->rawString().empty();
+    pair.hasCompare = !m_state.compareExpression->rawString().empty();
+    return pair;
+}
+
+void Displays::showPair(DisplayFrame& frame, Pair& pair, double scale, const PairFields& fields) {
+    const int h = m_state.height;
+    if (pair.hasExpression) {
+        m_prefer.setTableScale(scale);
+        core::Profile& a = pair.profiles.expression;
+        frame.setField(fields.field1, report(a, fields.fieldKind, h, pair.comparison));
+        frame.setView(fields.view1, report(a, fields.viewKind, kViewHeight, pair.comparison));
+    }
+    if (pair.hasCompare) {
+        m_prefer.setTableScale(scale);
+        core::Profile& b = pair.profiles.compare;
+        frame.setField(fields.field2, report(b, fields.fieldKind, h, pair.compareComparison));
+        frame.setView(fields.view2,
+                      report(b, fields.viewKind, kViewHeight, pair.compareComparison));
+    }
+    m_prefer.setTableScale(-1);
+    if (pair.comparison != pair.compareComparison) {
+        frame.emptyField(fields.field2);
+        frame.clearView(fields.view2);
+    }
+}
+
 void Displays::tableCompare(DisplayFrame& frame) {
     updateHeight();
     TableScaleReset reset(m_prefer);
-    auto [a, b] = currentProfiles();
-    const bool comparison = isComparisonProfile(a);
-    const bool compareComparison = isComparisonProfile(b);
-    const bool bothPresent =
-        !m_state.expression->rawString().empty() && !m_state.compareExpression->rawString().empty();
+    Pair pair = currentPair();
     const int h = m_state.height;
-
-    const core::Options optionsA = repaired(a, m_prefer.optionsForField("table", h, comparison));
+    core::Profile& a = pair.profiles.expression;
+    core::Profile& b = pair.profiles.compare;
+    const core::Options optionsA =
+        repaired(a, m_prefer.optionsForField("table", h, pair.comparison));
     const core::Options optionsB =
-        repaired(b, m_prefer.optionsForField("table", h, compareComparison));
+        repaired(b, m_prefer.optionsForField("table", h, pair.compareComparison));
     const core::Evaluation barA = core::maxBarEvaluationWithOptions(a, &optionsA);
     const core::Evaluation barB = core::maxBarEvaluationWithOptions(b, &optionsB);
     double scale = -1;
-    if (bothPresent && comparison == compareComparison) {
+    if (pair.bothOfOneKind()) {
         // The heavier bar sets the scale; the second on a tie.
         scale = (barA.weight() > barB.weight() ? barA.weight() : barB.weight()).doubleValue();
     }
-    if (!m_state.expression->rawString().empty()) {
-        m_prefer.setTableScale(scale);
-        frame.setField(TextField::tableCompare1, report(a, "table", h, comparison));
-        frame.setView(TextView::tablesA, report(a, "table", kViewHeight, comparison));
-    }
-    if (!m_state.compareExpression->rawString().empty()) {
-        m_prefer.setTableScale(scale);
-        frame.setField(TextField::tableCompare2, report(b, "table", h, compareComparison));
-        frame.setView(TextView::tablesB, report(b, "table", kViewHeight, compareComparison));
-    }
-    m_prefer.setTableScale(-1);
-    if (comparison != compareComparison) {
-        frame.emptyField(TextField::tableCompare2);
-        frame.clearView(TextView::tablesB);
-    }
+    showPair(frame, pair, scale,
+             {"table", "table", TextField::tableCompare1, TextView::tablesA,
+              TextField::tableCompare2, TextView::tablesB});
 }
 
 void Displays::diagramCompare(DisplayFrame& frame) {
     updateHeight();
     TableScaleReset reset(m_prefer);
-    auto [a, b] = currentProfiles();
-    const bool comparison = isComparisonProfile(a);
-    const bool compareComparison = isComparisonProfile(b);
-    const bool bothPresent =
-        !m_state.expression->rawString().empty() && !m_state.compareExpression->rawString().empty();
-    const int h = m_state.height;
-
+    Pair pair = currentPair();
+    core::Profile& a = pair.profiles.expression;
     // Both heights are asked with the first expression's kind.
-    const core::Options options = repaired(a, m_prefer.optionsForField("diagram", h, comparison));
+    const core::Options options =
+        repaired(a, m_prefer.optionsForField("diagram", m_state.height, pair.comparison));
     const int common = std::min(core::diagramHeightWithOptions(a, &options),
-                                core::diagramHeightWithOptions(b, &options));
-    double scale = static_cast<double>(common);
-    if (common < 2 || !bothPresent || comparison != compareComparison) {
-        scale = -1;
-    }
-    if (!m_state.expression->rawString().empty()) {
-        m_prefer.setTableScale(scale);
-        frame.setField(TextField::diagramCompare1, report(a, "diagram", h, comparison));
-        frame.setView(TextView::diagramsA, report(a, "diagramView", kViewHeight, comparison));
-    }
-    if (!m_state.compareExpression->rawString().empty()) {
-        m_prefer.setTableScale(scale);
-        frame.setField(TextField::diagramCompare2, report(b, "diagram", h, compareComparison));
-        frame.setView(TextView::diagramsB,
-                      report(b, "diagramView", kViewHeight, compareComparison));
-    }
-    m_prefer.setTableScale(-1);
-    if (comparison != compareComparison) {
-        frame.emptyField(TextField::diagramCompare2);
-        frame.clearView(TextView::diagramsB);
-    }
+                                core::diagramHeightWithOptions(pair.profiles.compare, &options));
+    const double scale = common < 2 || !pair.bothOfOneKind() ? -1 : static_cast<double>(common);
+    showPair(frame, pair, scale,
+             {"diagram", "diagramView", TextField::diagramCompare1, TextView::diagramsA,
+              TextField::diagramCompare2, TextView::diagramsB});
 }
 
 void Displays::versusReport(DisplayFrame& frame, const char* comparator, TextField tableField,

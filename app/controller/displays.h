@@ -75,6 +75,30 @@ class Displays {
         core::Profile compare;
     };
     [[nodiscard]] Profiles currentProfiles() const;
+    // The two sides of a side-by-side display (tables or diagrams).
+    struct Pair {
+        Profiles profiles;
+        bool comparison = false;
+        bool compareComparison = false;
+        bool hasExpression = false;
+        bool hasCompare = false;
+        // Only then do the two sides share a scale.
+        [[nodiscard]] bool bothOfOneKind() const noexcept {
+            return hasExpression && hasCompare && comparison == compareComparison;
+        }
+    };
+    [[nodiscard]] Pair currentPair() const;
+    struct PairFields {
+        const char* fieldKind;
+        const char* viewKind;
+        TextField field1;
+        TextView view1;
+        TextField field2;
+        TextView view2;
+    };
+    // Writes each present side on the common scale (−1 for none), then drops the second side
+    // when the two are of different kinds.
+    void showPair(DisplayFrame& frame, Pair& pair, double scale, const PairFields& fields);
     void versusReport(DisplayFrame& frame, const char* comparator, TextField tableField,
                       TextField legendField, TextView tableView, TextView legendView);
 
