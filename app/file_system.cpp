@@ -1,5 +1,6 @@
 #include "app/file_system.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -29,6 +30,38 @@ bool LocalFileSystem::removeAll(const std::string& path) {
     std::error_code error;
     fs::remove_all(fs::u8path(path), error);
     return !error && !exists(path);
+}
+
+bool LocalFileSystem::removeFile(const std::string& path) {
+    const fs::path target = fs::u8path(path);
+    std::error_code error;
+    if (!fs::is_regular_file(fs::symlink_status(target, error)) &&
+        !fs::is_symlink(fs::symlink_status(target, error))) {
+        return false;
+    }
+    return fs::remove(target, error) && !error;
+}
+
+std::optional<std::vector<std::string>> LocalFileSystem::filesUnder(
+    const std::string& folder) const {
+    std::error_code error;
+    fs::recursive_directory_iterator walk(fs::u8path(folder),
+                                          fs::directory_options::skip_permission_denied, error);
+    if (error) {
+        return std::nullopt;
+    }
+    std::vector<std::string> found;
+    for (const fs::recursive_directory_iterator end; walk != end; walk.increment(error)) {
+        if (error) {
+            break;
+        }
+        std::error_code statusError;
+        if (walk->is_regular_file(statusError)) {
+            found.push_back(walk->path().string());
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
 }
 
 std::optional<std::string> LocalFileSystem::readText(const std::string& path) const {

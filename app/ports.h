@@ -149,15 +149,17 @@ class SettingsPanel {
 };
 
 // A modal alert with two buttons and, optionally, the "preserve lists and log" check box.
+// A modal alert with up to three buttons; an empty title leaves that button out.
 struct AlertRequest {
     std::string message;
     std::string informativeText;
     std::string defaultButton;
     std::string alternateButton;
+    std::string otherButton;
     bool offersPreserveListsAndLog = false;
 };
 
-enum class AlertButton : std::uint8_t { defaultButton, alternateButton };
+enum class AlertButton : std::uint8_t { defaultButton, alternateButton, otherButton };
 
 struct AlertAnswer {
     AlertButton button = AlertButton::defaultButton;
@@ -183,6 +185,109 @@ class ApplicationShell {
     virtual void selectHelpTab(const std::string& label) = 0;
     // Shows or hides the links area and titles the menu item that toggles it.
     virtual void showLinks(bool shown, const std::string& menuItemTitle) = 0;
+};
+
+// The fields of the Save As panel.
+struct SaveAsFields {
+    std::string name;
+    std::string expressions;
+};
+
+// The fields and buttons of the lists-folder panel.
+struct FolderFields {
+    std::string currentFolder;
+    std::string newFolder;
+};
+enum class FolderButton : std::uint8_t { change, defaultFolder, reload, cancel };
+
+// The modal panels of the expression lists. Each call returns when its panel has closed.
+class ListPanels {
+  public:
+    virtual ~ListPanels() = default;
+
+    // The expressions editor with the text to edit: true when the person chose Load, and the
+    // text is then what they left in it.
+    [[nodiscard]] virtual bool runExpressionsPanel(std::string& text) = 0;
+    // The Save As panel: `save` answers its Save button, may change the fields shown, and
+    // returns true when the panel is to close. Cancel closes it without a call.
+    virtual void runSaveAsPanel(SaveAsFields& fields,
+                                const std::function<bool(SaveAsFields&)>& save) = 0;
+    // The lists-folder panel: `press` answers every button but Cancel, may change the fields
+    // shown, and returns true when the panel is to close.
+    virtual void runListsFolderPanel(
+        FolderFields& fields, const std::function<bool(FolderButton, FolderFields&)>& press) = 0;
+};
+
+// The log window, which shows the whole log.
+class LogWindow {
+  public:
+    virtual ~LogWindow() = default;
+    // The log changed: show this text (a window that is not open may keep it for later).
+    virtual void redraw(const core::StyledText& log) = 0;
+    virtual void scrollToTop() = 0;
+};
+
+// One printed page of results: the four top fields and the two display fields of the tab.
+struct PrintPage {
+    core::StyledText expression;
+    core::StyledText statistics;
+    core::StyledText compareStatistics;
+    core::StyledText roll;
+    core::StyledText display1;
+    core::StyledText display2;
+};
+
+// Printing through the system's print dialogue, on pages of 504 by 720 points.
+class PrintService {
+  public:
+    virtual ~PrintService() = default;
+    virtual void printPage(const PrintPage& page) = 0;
+    virtual void printLog(const core::StyledText& log) = 0;
+};
+
+struct OpenDialogRequest {
+    std::string title;
+    std::string message;
+    // File name extensions that may be chosen, without the dot.
+    std::vector<std::string> fileTypes;
+};
+
+struct SaveDialogRequest {
+    std::string title;
+    std::string message;
+    // The proposed file name without its extension.
+    std::string proposedName;
+    // The extension the saved name must have, without the dot.
+    std::string requiredType;
+    bool canCreateDirectories = true;
+    bool canHideExtension = true;
+};
+
+// The system's open and save dialogues.
+class FileDialogs {
+  public:
+    virtual ~FileDialogs() = default;
+    // The chosen files in order; none when cancelled.
+    [[nodiscard]] virtual std::vector<std::string> runOpenPanel(const OpenDialogRequest& request) = 0;
+    // The chosen path, with the required extension; none when cancelled.
+    [[nodiscard]] virtual std::optional<std::string> runSavePanel(
+        const SaveDialogRequest& request) = 0;
+};
+
+// The local date and time, for the names of exported files.
+struct LocalTime {
+    int year = 1970;
+    int month = 1;  // 1..12
+    int day = 1;    // 1..31
+    int hour = 0;   // 0..23
+    int minute = 0;
+    int second = 0;
+};
+
+class Clock {
+  public:
+    virtual ~Clock() = default;
+    [[nodiscard]] virtual LocalTime now() const = 0;
 };
 
 }  // namespace talvex::app

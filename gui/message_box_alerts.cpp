@@ -18,15 +18,23 @@ app::AlertAnswer MessageBoxAlerts::runAlert(const app::AlertRequest& request) {
     box.setIconPixmap(applicationIcon().pixmap(64, 64));
     box.setText(toQString(request.message));
     box.setInformativeText(toQString(request.informativeText));
-    QPushButton* alternate =
-        box.addButton(toQString(request.alternateButton), QMessageBox::DestructiveRole);
+    QPushButton* other = nullptr;
+    if (!request.otherButton.empty()) {
+        other = box.addButton(toQString(request.otherButton), QMessageBox::RejectRole);
+        other->setObjectName(QStringLiteral("otherButton"));
+    }
+    QPushButton* alternate = nullptr;
+    if (!request.alternateButton.empty()) {
+        alternate =
+            box.addButton(toQString(request.alternateButton), QMessageBox::DestructiveRole);
+        alternate->setObjectName(QStringLiteral("alternateButton"));
+    }
     QPushButton* standard =
         box.addButton(toQString(request.defaultButton), QMessageBox::AcceptRole);
-    alternate->setObjectName(QStringLiteral("alternateButton"));
     standard->setObjectName(QStringLiteral("defaultButton"));
     box.setDefaultButton(standard);
-    // Escape chooses the safe answer.
-    box.setEscapeButton(standard);
+    // Escape chooses the safe answer: Cancel where there is one.
+    box.setEscapeButton(other != nullptr ? other : standard);
     if (request.offersPreserveListsAndLog) {
         auto* preserve = new QCheckBox(QStringLiteral("Preserve expression lists and log"));
         preserve->setObjectName(QStringLiteral("preserveCheckBox"));
@@ -35,8 +43,14 @@ app::AlertAnswer MessageBoxAlerts::runAlert(const app::AlertRequest& request) {
     box.exec();
 
     app::AlertAnswer answer;
-    answer.button = box.clickedButton() == alternate ? app::AlertButton::alternateButton
-                                                     : app::AlertButton::defaultButton;
+    const QAbstractButton* clicked = box.clickedButton();
+    if (clicked != nullptr && clicked == alternate) {
+        answer.button = app::AlertButton::alternateButton;
+    } else if (clicked != nullptr && clicked == other) {
+        answer.button = app::AlertButton::otherButton;
+    } else {
+        answer.button = app::AlertButton::defaultButton;
+    }
     answer.preserveListsAndLog = box.checkBox() != nullptr && box.checkBox()->isChecked();
     return answer;
 }

@@ -155,13 +155,53 @@ bool MemoryFileSystem::removeAll(const std::string& path) {
     return true;
 }
 
+namespace {
+
+std::string parentOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos || slash == 0 ? std::string("/") : path.substr(0, slash);
+}
+
+}  // namespace
+
+bool MemoryFileSystem::removeFile(const std::string& path) {
+    if (!files.contains(path) || readOnlyFolders.contains(parentOf(path))) {
+        return false;
+    }
+    files.erase(path);
+    return true;
+}
+
+std::optional<std::vector<std::string>> MemoryFileSystem::filesUnder(
+    const std::string& folder) const {
+    if (!folders.contains(folder)) {
+        return std::nullopt;
+    }
+    std::vector<std::string> found;
+    const std::string prefix = folder + "/";
+    for (const auto& [path, text] : files) {
+        if (path.starts_with(prefix)) {
+            found.push_back(path);
+        }
+    }
+    return found;
+}
+
 std::optional<std::string> MemoryFileSystem::readText(const std::string& path) const {
     const auto found = files.find(path);
-    return found == files.end() ? std::nullopt : std::optional<std::string>(found->second);
+    if (found == files.end() || unreadable.contains(path)) {
+        return std::nullopt;
+    }
+    return found->second;
 }
 
 bool MemoryFileSystem::writeTextAtomically(const std::string& path, const std::string& text) {
+    const std::string parent = parentOf(path);
+    if (folders.contains(path) || !folders.contains(parent) || readOnlyFolders.contains(parent)) {
+        return false;
+    }
     files[path] = text;
+    ++writes;
     return true;
 }
 

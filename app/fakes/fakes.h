@@ -147,11 +147,20 @@ class MemoryFileSystem final : public FileSystem {
     [[nodiscard]] bool isDirectory(const std::string& path) const override;
     bool createDirectories(const std::string& path) override;
     bool removeAll(const std::string& path) override;
+    bool removeFile(const std::string& path) override;
+    [[nodiscard]] std::optional<std::vector<std::string>> filesUnder(
+        const std::string& folder) const override;
     [[nodiscard]] std::optional<std::string> readText(const std::string& path) const override;
+    // Fails, as a real one would, into a missing or read-only folder or over a folder.
     bool writeTextAtomically(const std::string& path, const std::string& text) override;
 
     std::set<std::string> folders;
     std::map<std::string, std::string> files;
+    // Folders whose files can be neither written nor removed.
+    std::set<std::string> readOnlyFolders;
+    // Files that exist but cannot be read.
+    std::set<std::string> unreadable;
+    int writes = 0;
 };
 
 // A log of plain text: entries at the top, each followed by the separator, and a print
