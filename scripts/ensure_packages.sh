@@ -36,7 +36,8 @@ talvex_ensure_packages() {
 }
 
 # Everything the build, the tests, the benchmarks and scripts/screenshot.sh use; unrtf is the
-# independent reader that checks the rich text Talvex writes.
+# independent reader that checks the rich text Talvex writes, poppler-utils the one that reads
+# the printed PDF pages.
 TALVEX_BUILD_PACKAGES=(g++ cmake ninja-build libgtest-dev libgmock-dev libbenchmark-dev
     libcli11-dev nlohmann-json3-dev qt6-base-dev libqt6svg6 libgl-dev xvfb xauth
-    fonts-dejavu-core imagemagick unrtf)
+    fonts-dejavu-core imagemagick unrtf poppler-utils)
