@@ -88,9 +88,14 @@ class MainWindow {
     // Empty when nothing is selected.
     [[nodiscard]] virtual std::string selectedPopUpTitle(PopUp popUp) const = 0;
     virtual void removeAllPopUpItems(PopUp popUp) = 0;
+    // An index out of range removes nothing.
+    virtual void removePopUpItem(PopUp popUp, std::size_t index) = 0;
+    // -1 when nothing is selected.
+    [[nodiscard]] virtual long selectedPopUpIndex(PopUp popUp) const = 0;
 
     [[nodiscard]] virtual bool isChecked(CheckBox box) const = 0;
     virtual void setChecked(CheckBox box, bool on) = 0;
+    virtual void setCheckBoxEnabled(CheckBox box, bool enabled) = 0;
 
     // The frame height of the table field, in points.
     [[nodiscard]] virtual double tableFieldHeight() const = 0;
@@ -268,7 +273,8 @@ class FileDialogs {
   public:
     virtual ~FileDialogs() = default;
     // The chosen files in order; none when cancelled.
-    [[nodiscard]] virtual std::vector<std::string> runOpenPanel(const OpenDialogRequest& request) = 0;
+    [[nodiscard]] virtual std::vector<std::string> runOpenPanel(
+        const OpenDialogRequest& request) = 0;
     // The chosen path, with the required extension; none when cancelled.
     [[nodiscard]] virtual std::optional<std::string> runSavePanel(
         const SaveDialogRequest& request) = 0;

@@ -418,4 +418,19 @@ class RtfReader {
 
 std::optional<StyledText> styledTextFromRtf(std::string_view rtf) { return RtfReader(rtf).read(); }
 
+bool writeRtfd(FileSystem& files, const std::string& packagePath, const core::StyledText& text) {
+    if (!files.isDirectory(packagePath) && !files.createDirectories(packagePath)) {
+        return false;
+    }
+    return files.writeTextAtomically(joinPath(packagePath, kRtfdTextName), rtfFromStyledText(text));
+}
+
+std::optional<core::StyledText> readRtfd(const FileSystem& files, const std::string& packagePath) {
+    const auto rtf = files.readText(joinPath(packagePath, kRtfdTextName));
+    if (!rtf) {
+        return std::nullopt;
+    }
+    return styledTextFromRtf(*rtf);
+}
+
 }  // namespace talvex::app

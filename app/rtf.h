@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/file_system.h"
 #include "core/styled_text.h"
 
 namespace talvex::app {
@@ -23,5 +24,16 @@ namespace talvex::app {
 // named punctuation; font tables, style sheets, pictures and other destinations are skipped.
 // Nothing when the text is no RTF document or its groups do not close.
 [[nodiscard]] std::optional<core::StyledText> styledTextFromRtf(std::string_view rtf);
+
+// The name of the rich text inside a rich-text-with-attachments package (a folder).
+inline constexpr const char* kRtfdTextName = "TXT.rtf";
+
+// Writes the text as a package: the folder (made when missing) holding "TXT.rtf", written
+// atomically, so a reader finds either the old text or the new one, whole.
+[[nodiscard]] bool writeRtfd(FileSystem& files, const std::string& packagePath,
+                             const core::StyledText& text);
+// Nothing when the package or its text is missing or no RTF.
+[[nodiscard]] std::optional<core::StyledText> readRtfd(const FileSystem& files,
+                                                       const std::string& packagePath);
 
 }  // namespace talvex::app

@@ -26,9 +26,20 @@ class LaunchedWindow {
   public:
     LaunchedWindow() {
         TalvexContoller::initialize(m_defaults, DefaultValues{{"runningCalculation", false}});
-        m_controller = std::make_unique<TalvexContoller>(
-            ControllerPorts{window, m_panel, m_alerts, m_shell, m_defaults, m_files, &m_log},
-            LaunchSettings{"/home/u/support", "0.1.0"});
+        m_controller =
+            std::make_unique<TalvexContoller>(ControllerPorts{window,
+                                                              m_panel,
+                                                              m_alerts,
+                                                              m_shell,
+                                                              m_defaults,
+                                                              m_files,
+                                                              m_listPanels,
+                                                              m_logWindow,
+                                                              m_printer,
+                                                              m_dialogs,
+                                                              m_clock,
+                                                              {}},
+                                              LaunchSettings{"/home/u/support", "0.1.0"});
         m_controller->applicationWillFinishLaunching();
     }
 
@@ -48,7 +59,11 @@ class LaunchedWindow {
     fakes::FakeAlerts m_alerts;
     fakes::FakeShell m_shell;
     fakes::FakeSettingsPanel m_panel;
-    fakes::MemoryLog m_log;
+    fakes::FakeListPanels m_listPanels;
+    fakes::FakeLogWindow m_logWindow;
+    fakes::FakePrintService m_printer;
+    fakes::FakeFileDialogs m_dialogs;
+    fakes::FakeClock m_clock;
     DefaultsStore m_defaults{m_domain};
     std::unique_ptr<TalvexContoller> m_controller;
 };

@@ -74,6 +74,47 @@ void StyledText::append(const StyledText& other) {
     }
 }
 
+StyledText StyledText::substring(std::size_t position, std::size_t length) const {
+    StyledText part;
+    if (position >= m_text.size()) {
+        return part;
+    }
+    const std::size_t end = length >= m_text.size() - position ? m_text.size() : position + length;
+    for (const StyledRun& run : m_runs) {
+        const std::size_t from = std::max(run.start, position);
+        const std::size_t to = std::min(run.start + run.length, end);
+        if (from < to) {
+            part.append(std::string_view(m_text).substr(from, to - from), run.attributes);
+        }
+    }
+    return part;
+}
+
+void StyledText::insert(std::size_t position, const StyledText& text) {
+    if (text.empty()) {
+        return;
+    }
+    if (position >= m_text.size()) {
+        append(text);
+        return;
+    }
+    StyledText joined = substring(0, position);
+    joined.append(text);
+    joined.append(substring(position));
+    *this = std::move(joined);
+}
+
+void StyledText::erase(std::size_t position, std::size_t length) {
+    if (position >= m_text.size() || length == 0) {
+        return;
+    }
+    StyledText kept = substring(0, position);
+    if (length < m_text.size() - position) {
+        kept.append(substring(position + length));
+    }
+    *this = std::move(kept);
+}
+
 std::optional<TextAttributes> StyledText::attributesAt(std::size_t position) const {
     const auto found =
         std::upper_bound(m_runs.begin(), m_runs.end(), position,

@@ -55,6 +55,14 @@ class StyledText {
     void append(std::string_view text, const std::optional<TextAttributes>& attributes);
     void append(const StyledText& other);
 
+    // The part from `position` on, at most `length` bytes, with its attributes.
+    [[nodiscard]] StyledText substring(std::size_t position,
+                                       std::size_t length = std::string::npos) const;
+    // Puts the text in at a byte position (clamped to the end).
+    void insert(std::size_t position, const StyledText& text);
+    // Removes at most `length` bytes from `position` on.
+    void erase(std::size_t position, std::size_t length = std::string::npos);
+
     [[nodiscard]] const std::string& string() const noexcept { return m_text; }
     [[nodiscard]] const std::vector<StyledRun>& runs() const noexcept { return m_runs; }
     [[nodiscard]] bool empty() const noexcept { return m_text.empty(); }

@@ -1,11 +1,16 @@
 #include "gui/desktop_app.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QStandardPaths>
 
 #include "gui/application_icon.h"
+#include "gui/file_dialogs.h"
+#include "gui/list_panels.h"
+#include "gui/log_window.h"
 #include "gui/main_window.h"
 #include "gui/message_box_alerts.h"
+#include "gui/print_service.h"
 #include "gui/registration_defaults.h"
 #include "gui/settings_dialog.h"
 #include "gui/shell_windows.h"
@@ -19,6 +24,14 @@ void configureApplication() {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Talvex"));
     QGuiApplication::setDesktopFileName(QStringLiteral("talvex"));
     QApplication::setWindowIcon(applicationIcon());
+}
+
+std::optional<std::string> sampleExpressions() {
+    QFile resource(QStringLiteral(":/Sample Expressions.txt"));
+    if (!resource.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    return resource.readAll().toStdString();
 }
 
 QString bundleVersion() { return QStringLiteral(TALVEX_VERSION); }
@@ -39,8 +52,13 @@ DesktopApp::DesktopApp(app::LaunchSettings settings)
     m_panel = std::make_unique<DialogSettingsPanel>(*m_settingsDialog);
     m_alerts = std::make_unique<MessageBoxAlerts>(*m_window);
     m_shell = std::make_unique<ShellWindows>(*m_window);
+    m_listPanels = std::make_unique<DialogListPanels>(*m_window);
+    m_printer = std::make_unique<QtPrintService>(m_window.get());
+    m_dialogs = std::make_unique<QtFileDialogs>(*m_window);
     m_controller = std::make_unique<app::TalvexContoller>(
-        app::ControllerPorts{*m_window, *m_panel, *m_alerts, *m_shell, m_defaults, m_files},
+        app::ControllerPorts{*m_window, *m_panel, *m_alerts, *m_shell, m_defaults, m_files,
+                             *m_listPanels, m_window->logWindow(), *m_printer, *m_dialogs, m_clock,
+                             [] { return sampleExpressions(); }},
         m_settings);
     m_window->bind(*m_controller, *m_shell);
     m_settingsDialog->bind(*m_controller);

@@ -2,15 +2,21 @@
 
 #include <QString>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "app/controller/talvex_controller.h"
 #include "app/defaults_store.h"
 #include "app/file_system.h"
+#include "app/local_clock.h"
 #include "gui/settings_domain.h"
 
 namespace talvex::gui {
 
+class DialogListPanels;
 class DialogSettingsPanel;
+class QtFileDialogs;
+class QtPrintService;
 class MainWindow;
 class MessageBoxAlerts;
 class SettingsDialog;
@@ -19,6 +25,10 @@ class ShellWindows;
 // Names the application ("Corvessa", "Talvex"), so that QSettings and QStandardPaths find its
 // folders, and gives it its icon. Once, after the QApplication exists.
 void configureApplication();
+
+// The "Sample Expressions" list the application ships, copied into the lists folder on the
+// first run; none when the resource cannot be read.
+[[nodiscard]] std::optional<std::string> sampleExpressions();
 
 // The version of this build, "0.1.0".
 [[nodiscard]] QString bundleVersion();
@@ -67,6 +77,10 @@ class DesktopApp {
     std::unique_ptr<DialogSettingsPanel> m_panel;
     std::unique_ptr<MessageBoxAlerts> m_alerts;
     std::unique_ptr<ShellWindows> m_shell;
+    std::unique_ptr<DialogListPanels> m_listPanels;
+    std::unique_ptr<QtPrintService> m_printer;
+    std::unique_ptr<QtFileDialogs> m_dialogs;
+    app::LocalClock m_clock;
     bool m_finished = false;
 };
 

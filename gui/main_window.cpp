@@ -22,6 +22,7 @@
 
 #include "app/controller/controller_state.h"
 #include "app/controller/talvex_controller.h"
+#include "gui/log_window.h"
 #include "gui/shell_windows.h"
 #include "gui/styled_document.h"
 #include "gui/view_window.h"
@@ -57,6 +58,9 @@ constexpr std::array<FieldNames, app::kDisplayPairCount> kFieldNames = {{
 }};
 
 constexpr const char* kFieldProperty = "talvexField";
+
+// The commands of the expression-list pop-up and the list menu.
+constexpr std::array<const char*, 4> kListCommands = {"Save", "Save As...", "Revert", "Delete"};
 // Resizes arrive in bursts while a person drags; the displays follow once it pauses.
 constexpr int kResizeSettleMilliseconds = 60;
 // The statistics block: a title, a blank line and six statistics, with room to spare.
@@ -92,6 +96,7 @@ MainWindow::MainWindow() {
     setWindowTitle(QStringLiteral("Talvex"));
     buildWidgets();
     buildMenus();
+    m_logWindow = new LogWindow(this);
     m_resizeSettled = new QTimer(this);
     m_resizeSettled->setSingleShot(true);
     m_resizeSettled->setInterval(kResizeSettleMilliseconds);
@@ -162,17 +167,47 @@ void MainWindow::buildWidgets() {
     }
     m_popUps[0]->setToolTip(QStringLiteral("The expressions of this session"));
     m_popUps[1]->setToolTip(QStringLiteral("The expression to compare with"));
-    // Expression lists come later; their pop-ups hold only their placeholders for now.
     for (std::size_t i = 2; i < m_popUps.size(); ++i) {
-        m_popUps[i]->setEnabled(false);
         m_popUps[i]->setMinimumContentsLength(14);
-        m_popUps[i]->setToolTip(QStringLiteral("Expression lists (not available yet)"));
     }
+    m_popUps[2]->setToolTip(
+        QStringLiteral("Your expression lists, and the commands that keep them"));
+    m_popUps[3]->setToolTip(QStringLiteral("A list whose expressions become the comparisons"));
+    // The list commands stand after the lists' names.
+    QComboBox* lists = m_popUps[2];
+    lists->insertSeparator(lists->count());
+    lists->setItemData(lists->count() - 1, true, kCommandRole);
+    for (const char* command : kListCommands) {
+        lists->addItem(QString::fromLatin1(command));
+        lists->setItemData(lists->count() - 1, true, kCommandRole);
+    }
+    // Up and down through each expression pop-up.
+    const std::array<std::pair<const char*, const char*>, 4> steps = {{
+        {"expressionUpButton", "▲"},
+        {"expressionDownButton", "▼"},
+        {"compareUpButton", "▲"},
+        {"compareDownButton", "▼"},
+    }};
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        auto* button = new QPushButton(QString::fromUtf8(steps[i].second));
+        button->setObjectName(QString::fromLatin1(steps[i].first));
+        button->setFixedWidth(button->fontMetrics().horizontalAdvance(QStringLiteral("MM")) + 16);
+        button->setAutoDefault(false);
+        m_stepButtons[i] = button;
+    }
+    m_stepButtons[0]->setToolTip(QStringLiteral("The expression above (Ctrl+Up)"));
+    m_stepButtons[1]->setToolTip(QStringLiteral("The expression below (Ctrl+Down)"));
+    m_stepButtons[2]->setToolTip(QStringLiteral("The comparison above (Ctrl+Shift+Up)"));
+    m_stepButtons[3]->setToolTip(QStringLiteral("The comparison below (Ctrl+Shift+Down)"));
     auto* compareLabel = new QLabel(QStringLiteral("Com&pare with:"));
     compareLabel->setBuddy(m_popUps[1]);
     choiceRow->addWidget(m_popUps[0]);
+    choiceRow->addWidget(m_stepButtons[0]);
+    choiceRow->addWidget(m_stepButtons[1]);
     choiceRow->addWidget(compareLabel);
     choiceRow->addWidget(m_popUps[1]);
+    choiceRow->addWidget(m_stepButtons[2]);
+    choiceRow->addWidget(m_stepButtons[3]);
     choiceRow->addSpacing(12);
     choiceRow->addWidget(new QLabel(QStringLiteral("Lists:")));
     choiceRow->addWidget(m_popUps[2]);
@@ -281,6 +316,15 @@ void MainWindow::buildMenus() {
     };
 
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
+    m_importListAction = action(file, QStringLiteral("&Import List…"), "importListAction");
+    m_exportListAction = action(file, QStringLiteral("&Export List…"), "exportListAction");
+    m_exportLogAction = action(file, QStringLiteral("Export &Log…"), "exportLogAction");
+    file->addSeparator();
+    m_printAction = action(
+        file, QStringLiteral("&Print…"), "printAction",
+        shortcuts({QKeySequence(QKeySequence::Print), QKeySequence(QStringLiteral("Ctrl+P"))}));
+    m_printLogAction = action(file, QStringLiteral("Print Lo&g…"), "printLogAction");
+    file->addSeparator();
     m_settingsAction = action(file, QStringLiteral("&Settings…"), "settingsAction",
                               shortcuts({QKeySequence(QKeySequence::Preferences),
                                          QKeySequence(QStringLiteral("Ctrl+,"))}));
@@ -306,13 +350,38 @@ void MainWindow::buildMenus() {
                              shortcuts({QKeySequence(QStringLiteral("Ctrl+]")),
                                         QKeySequence(QStringLiteral("Alt+Right"))}));
     m_calculateMenu->addSeparator();
+    const std::array<std::pair<const char*, const char*>, 4> stepItems = {{
+        {"Previous Expression", "Ctrl+Up"},
+        {"Next Expression", "Ctrl+Down"},
+        {"Previous Comparison", "Ctrl+Shift+Up"},
+        {"Next Comparison", "Ctrl+Shift+Down"},
+    }};
+    const std::array<const char*, 4> stepNames = {"expressionUpAction", "expressionDownAction",
+                                                  "compareUpAction", "compareDownAction"};
+    for (std::size_t i = 0; i < stepItems.size(); ++i) {
+        m_stepActions[i] =
+            action(m_calculateMenu, QString::fromLatin1(stepItems[i].first), stepNames[i],
+                   {QKeySequence(QString::fromLatin1(stepItems[i].second))});
+        m_stepActions[i]->setShortcutContext(Qt::WindowShortcut);
+    }
+    m_calculateMenu->addSeparator();
     m_runningAction =
         action(m_calculateMenu, QStringLiteral("R&unning Calculation"), "runningCalculationAction");
     m_runningAction->setCheckable(true);
     m_runningAction->setToolTip(
         QStringLiteral("Each roll becomes the start of the next expression"));
 
+    // The lists by name, then the commands; filled each time it opens.
+    m_listMenu = menuBar()->addMenu(QStringLiteral("&Lists"));
+    m_listMenu->setObjectName(QStringLiteral("listPop"));
+
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
+    m_showLogAction = action(view, QStringLiteral("&Log"), "showLogAction",
+                             {QKeySequence(QStringLiteral("Ctrl+L"))});
+    m_clearLogAction = action(view, QStringLiteral("&Clear Log"), "clearLogAction");
+    m_exportLogToFolderAction =
+        action(view, QStringLiteral("Copy Log to Lists &Folder"), "exportLogToFolderAction");
+    view->addSeparator();
     for (std::size_t i = 0; i < kFieldCount; ++i) {
         const QString title = QString::fromLatin1(kFieldNames[i].viewTitle);
         m_viewActions[i] = view->addAction(title + QStringLiteral(" View"));
@@ -350,6 +419,39 @@ void MainWindow::bind(app::TalvexContoller& controller, ShellWindows& shell) {
     connect(m_backAction, &QAction::triggered, this, [c] { c->stepBack(); });
     connect(m_forwardAction, &QAction::triggered, this, [c] { c->stepForward(); });
 
+    connect(m_popUps[2], &QComboBox::activated, this, [this, c](int index) {
+        if (m_popUps[2]->itemData(index, kCommandRole).toBool()) {
+            runListCommand(m_popUps[2]->itemText(index));
+        } else {
+            c->expressionListSelect();
+        }
+    });
+    connect(m_popUps[3], &QComboBox::activated, this, [c] { c->compareListSelect(); });
+    // `clicked` comes from the person only; the controller's own changes do not re-enter.
+    connect(m_checkBoxes[static_cast<std::size_t>(app::CheckBox::mirror)], &QCheckBox::clicked,
+            this, [c] { c->mirrorSelect(); });
+    const std::array<void (app::TalvexContoller::*)(), 4> steps = {
+        &app::TalvexContoller::expressionUp, &app::TalvexContoller::expressionDown,
+        &app::TalvexContoller::compareUp, &app::TalvexContoller::compareDown};
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        connect(m_stepButtons[i], &QPushButton::clicked, this,
+                [c, step = steps[i]] { (c->*step)(); });
+        connect(m_stepActions[i], &QAction::triggered, this,
+                [c, step = steps[i]] { (c->*step)(); });
+    }
+    connect(m_listMenu, &QMenu::aboutToShow, this, [this] { fillListMenu(); });
+    connect(m_importListAction, &QAction::triggered, this, [c] { c->importList(); });
+    connect(m_exportListAction, &QAction::triggered, this, [c] { c->exprotList(); });
+    connect(m_exportLogAction, &QAction::triggered, this, [c] { c->exportLogAs(); });
+    connect(m_printAction, &QAction::triggered, this, [c] { c->profilePrint(); });
+    connect(m_printLogAction, &QAction::triggered, this, [c] { c->logPrint(); });
+    connect(m_showLogAction, &QAction::triggered, this, [this] { showLog(); });
+    connect(m_clearLogAction, &QAction::triggered, this, [c] { c->clearLog(); });
+    connect(m_exportLogToFolderAction, &QAction::triggered, this, [c] { c->exportLog(); });
+    connect(m_logWindow, &LogWindow::clearRequested, this, [c] { c->clearLog(); });
+    connect(m_logWindow, &LogWindow::exportRequested, this, [c] { c->exportLog(); });
+    connect(m_logWindow, &LogWindow::printRequested, this, [c] { c->logPrint(); });
+
     connect(m_settingsAction, &QAction::triggered, this, [c] { c->settings(); });
     connect(m_resetAction, &QAction::triggered, this, [c] { c->resetAllSettingsAndQuit(); });
     connect(m_quitAction, &QAction::triggered, this, [c] { c->TalvexQuit(); });
@@ -366,6 +468,82 @@ void MainWindow::bind(app::TalvexContoller& controller, ShellWindows& shell) {
 
     connect(m_helpAction, &QAction::triggered, &shell, &ShellWindows::showHelp);
     connect(m_aboutAction, &QAction::triggered, &shell, &ShellWindows::showAbout);
+}
+
+void MainWindow::fillListMenu() {
+    m_listMenu->clear();
+    app::TalvexContoller* c = m_controller;
+    const std::vector<std::string> names = popUpTitles(app::PopUp::expressionList);
+    const std::string current = c != nullptr ? c->lists().expressionList() : std::string();
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        QAction* item = m_listMenu->addAction(toQString(names[i]));
+        item->setCheckable(true);
+        item->setChecked(names[i] == current);
+        connect(item, &QAction::triggered, this, [c, name = names[i]] {
+            if (c != nullptr) {
+                c->listSelect(name);
+            }
+        });
+    }
+    if (names.size() > 1) {
+        m_listMenu->addSeparator();
+    }
+    QAction* edit = m_listMenu->addAction(QString::fromLatin1(app::kEditExpressions));
+    edit->setObjectName(QStringLiteral("editExpressionsAction"));
+    edit->setShortcut(QKeySequence(QStringLiteral("Ctrl+E")));
+    connect(edit, &QAction::triggered, this, [c] {
+        if (c != nullptr) {
+            c->listSelect(app::kEditExpressions);
+        }
+    });
+    const std::array<const char*, 4> keys = {"Ctrl+S", "Ctrl+Shift+S", "", ""};
+    for (std::size_t i = 0; i < kListCommands.size(); ++i) {
+        const QString command = QString::fromLatin1(kListCommands[i]);
+        QAction* item = m_listMenu->addAction(command);
+        item->setShortcut(QKeySequence(QString::fromLatin1(keys[i])));
+        connect(item, &QAction::triggered, this, [this, command] { runListCommand(command); });
+    }
+    m_listMenu->addSeparator();
+    QAction* folder = m_listMenu->addAction(QStringLiteral("Lists Folder..."));
+    folder->setObjectName(QStringLiteral("listsFolderAction"));
+    connect(folder, &QAction::triggered, this, [c] {
+        if (c != nullptr) {
+            c->listsFolder();
+        }
+    });
+}
+
+QStringList MainWindow::listMenuTitles() {
+    fillListMenu();
+    QStringList titles;
+    for (const QAction* item : m_listMenu->actions()) {
+        if (!item->isSeparator()) {
+            titles << item->text();
+        }
+    }
+    return titles;
+}
+
+void MainWindow::runListCommand(const QString& command) {
+    app::TalvexContoller* c = m_controller;
+    if (c == nullptr) {
+        return;
+    }
+    if (command == QLatin1String("Save")) {
+        c->expressionListSave();
+    } else if (command == QLatin1String("Save As...")) {
+        c->expressionListSaveAs();
+    } else if (command == QLatin1String("Revert")) {
+        c->expressionListRevert();
+    } else if (command == QLatin1String("Delete")) {
+        c->expressionListDelete();
+    }
+}
+
+void MainWindow::showLog() {
+    m_logWindow->show();
+    m_logWindow->raise();
+    m_logWindow->activateWindow();
 }
 
 void MainWindow::setLinksShown(bool shown, const QString& menuItemTitle) {

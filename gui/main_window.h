@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QStringList>
 #include <array>
 #include <functional>
 #include <string>
@@ -26,8 +27,12 @@ class TalvexContoller;
 
 namespace talvex::gui {
 
+class LogWindow;
 class ShellWindows;
 class ViewWindow;
+
+// Marks the commands that end the expression-list pop-up, which are no entries of it.
+inline constexpr int kCommandRole = Qt::UserRole + 1;
 
 // The labels of the tabs, in their order.
 inline constexpr std::array<const char*, 5> kTabLabels = {"Profile", "Tables", "Diagrams", "Versus",
@@ -52,6 +57,12 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     // Connects the widgets and menus to the controller and the application's other windows;
     // both must outlive the window.
     void bind(app::TalvexContoller& controller, ShellWindows& shell);
+
+    // The log window; the window owns it.
+    [[nodiscard]] LogWindow& logWindow() { return *m_logWindow; }
+    void showLog();
+    // The titles of the list menu's items, commands included, as the menu would show them now.
+    [[nodiscard]] QStringList listMenuTitles();
 
     // The links area at the bottom and the title of its menu item.
     void setLinksShown(bool shown, const QString& menuItemTitle);
@@ -78,8 +89,11 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     void selectPopUpIndex(app::PopUp popUp, std::size_t index) override;
     [[nodiscard]] std::string selectedPopUpTitle(app::PopUp popUp) const override;
     void removeAllPopUpItems(app::PopUp popUp) override;
+    void removePopUpItem(app::PopUp popUp, std::size_t index) override;
+    [[nodiscard]] long selectedPopUpIndex(app::PopUp popUp) const override;
     [[nodiscard]] bool isChecked(app::CheckBox box) const override;
     void setChecked(app::CheckBox box, bool on) override;
+    void setCheckBoxEnabled(app::CheckBox box, bool enabled) override;
     [[nodiscard]] double tableFieldHeight() const override;
     void placeCaretAtEnd() override;
     [[nodiscard]] std::string selectedTabLabel() const override;
@@ -97,6 +111,10 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     void buildMenus();
     QTextEdit* makeField(app::TextField field, const char* name);
     [[nodiscard]] QComboBox* popUp(app::PopUp popUp) const;
+    // The number of items before the commands that end the expression-list pop-up.
+    [[nodiscard]] int entryCount(app::PopUp popUp) const;
+    void runListCommand(const QString& command);
+    void fillListMenu();
 
     static constexpr std::size_t kFieldCount = app::kDisplayPairCount;
 
@@ -130,6 +148,18 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     QAction* m_helpAction = nullptr;
     QAction* m_aboutAction = nullptr;
     QMenu* m_calculateMenu = nullptr;
+    QMenu* m_listMenu = nullptr;
+    QAction* m_importListAction = nullptr;
+    QAction* m_exportListAction = nullptr;
+    QAction* m_exportLogAction = nullptr;
+    QAction* m_printAction = nullptr;
+    QAction* m_printLogAction = nullptr;
+    QAction* m_showLogAction = nullptr;
+    QAction* m_clearLogAction = nullptr;
+    QAction* m_exportLogToFolderAction = nullptr;
+    std::array<QAction*, 4> m_stepActions{};
+    std::array<QPushButton*, 4> m_stepButtons{};
+    LogWindow* m_logWindow = nullptr;
     std::array<QAction*, kFieldCount> m_viewActions{};
 
     // Resizing redraws the displays once the size settles.

@@ -75,11 +75,22 @@ void MainWindow::clearView(TextView view) { setViewAttributedText(view, core::St
 
 QComboBox* MainWindow::popUp(app::PopUp popUp) const { return m_popUps[at(popUp)]; }
 
+int MainWindow::entryCount(app::PopUp pop) const {
+    const QComboBox* combo = popUp(pop);
+    for (int i = 0; i < combo->count(); ++i) {
+        if (combo->itemData(i, kCommandRole).toBool()) {
+            return i;
+        }
+    }
+    return combo->count();
+}
+
 std::vector<std::string> MainWindow::popUpTitles(app::PopUp pop) const {
     const QComboBox* combo = popUp(pop);
+    const int count = entryCount(pop);
     std::vector<std::string> titles;
-    titles.reserve(static_cast<std::size_t>(combo->count()));
-    for (int i = 0; i < combo->count(); ++i) {
+    titles.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
         titles.push_back(combo->itemText(i).toStdString());
     }
     return titles;
@@ -91,11 +102,12 @@ void MainWindow::insertPopUpTitle(app::PopUp pop, const std::string& title, std:
     const QString selected = combo->currentIndex() < 0 ? QString() : combo->currentText();
     const bool hadSelection = combo->currentIndex() >= 0;
     // One item per title: an existing one makes way for the new one.
-    for (int found = combo->findText(text); found >= 0; found = combo->findText(text)) {
+    for (int found = combo->findText(text); found >= 0 && found < entryCount(pop);
+         found = combo->findText(text)) {
         combo->removeItem(found);
     }
     const int position =
-        static_cast<int>(std::min<std::size_t>(index, static_cast<std::size_t>(combo->count())));
+        static_cast<int>(std::min<std::size_t>(index, static_cast<std::size_t>(entryCount(pop))));
     combo->insertItem(position, text);
     // The selection stays on the item it was on.
     if (hadSelection) {
@@ -107,14 +119,15 @@ void MainWindow::insertPopUpTitle(app::PopUp pop, const std::string& title, std:
 
 void MainWindow::selectPopUpTitle(app::PopUp pop, const std::string& title) {
     QComboBox* combo = popUp(pop);
-    if (const int found = combo->findText(toQString(title)); found >= 0) {
+    if (const int found = combo->findText(toQString(title));
+        found >= 0 && found < entryCount(pop)) {
         combo->setCurrentIndex(found);
     }
 }
 
 void MainWindow::selectPopUpIndex(app::PopUp pop, std::size_t index) {
     QComboBox* combo = popUp(pop);
-    if (index < static_cast<std::size_t>(combo->count())) {
+    if (index < static_cast<std::size_t>(entryCount(pop))) {
         combo->setCurrentIndex(static_cast<int>(index));
     }
 }
@@ -124,11 +137,32 @@ std::string MainWindow::selectedPopUpTitle(app::PopUp pop) const {
     return combo->currentIndex() < 0 ? std::string() : combo->currentText().toStdString();
 }
 
-void MainWindow::removeAllPopUpItems(app::PopUp pop) { popUp(pop)->clear(); }
+void MainWindow::removeAllPopUpItems(app::PopUp pop) {
+    QComboBox* combo = popUp(pop);
+    // The commands after the entries stay.
+    for (int i = entryCount(pop); i > 0; --i) {
+        combo->removeItem(0);
+    }
+}
+
+void MainWindow::removePopUpItem(app::PopUp pop, std::size_t index) {
+    if (index < static_cast<std::size_t>(entryCount(pop))) {
+        popUp(pop)->removeItem(static_cast<int>(index));
+    }
+}
+
+long MainWindow::selectedPopUpIndex(app::PopUp pop) const {
+    const int current = popUp(pop)->currentIndex();
+    return current < entryCount(pop) ? current : -1;
+}
 
 bool MainWindow::isChecked(app::CheckBox box) const { return m_checkBoxes[at(box)]->isChecked(); }
 
 void MainWindow::setChecked(app::CheckBox box, bool on) { m_checkBoxes[at(box)]->setChecked(on); }
+
+void MainWindow::setCheckBoxEnabled(app::CheckBox box, bool enabled) {
+    m_checkBoxes[at(box)]->setEnabled(enabled);
+}
 
 double MainWindow::tableFieldHeight() const {
     // A tab that is not shown keeps the size it had when last shown; every page is as tall as

@@ -1,5 +1,9 @@
 #include "app/controller/start_up.h"
 
+#include <algorithm>
+#include <array>
+#include <utility>
+
 #include "expressions/expression.h"
 #include "kernels/definitions.h"
 
@@ -53,22 +57,29 @@ void StartUp::applicationWillFinishLaunching() {
                                 ? joinPath(m_settings.supportFolder, "Expression Lists")
                                 : m_parts.prefer.listsFolderPath();
     state.currentListName.clear();
+    // The pop-ups hold their placeholders before any list is added to them.
+    const std::array placeholders{std::pair{PopUp::expression, kSelectExpression},
+                                  std::pair{PopUp::compare, kSelectComparison},
+                                  std::pair{PopUp::expressionList, kSelectExpressionList},
+                                  std::pair{PopUp::compareList, kSelectComparisonList}};
+    for (const auto& [popUp, placeholder] : placeholders) {
+        if (window.popUpTitles(popUp).empty()) {
+            window.insertPopUpTitle(popUp, placeholder, 0);
+        }
+    }
     createSupportDirectories();
+    m_parts.lists.loadExpressionLists();
 
     // 10. Every pop-up starts with its placeholder selected.
     state.lastExpressionTitle = kSelectExpression;
     state.lastCompareExpressionTitle = kSelectComparison;
-    for (const auto& [popUp, placeholder] :
-         {std::pair{PopUp::expression, kSelectExpression},
-          std::pair{PopUp::compare, kSelectComparison},
-          std::pair{PopUp::expressionList, kSelectExpressionList},
-          std::pair{PopUp::compareList, kSelectComparisonList}}) {
-        if (window.popUpTitles(popUp).empty()) {
-            window.insertPopUpTitle(popUp, placeholder, 0);
-        }
+    for (const auto& [popUp, placeholder] : placeholders) {
         window.selectPopUpTitle(popUp, placeholder);
     }
     m_parts.history.clearHistory();
+
+    // 11.
+    m_parts.log.read(m_parts.files, logPathStr());
 
     // 12.
     if (m_parts.prefer.links()) {
@@ -101,6 +112,11 @@ void StartUp::finishFirstRun() {
         return;
     }
     MainWindow& window = m_parts.window;
+    const auto lists = window.popUpTitles(PopUp::expressionList);
+    if (std::find(lists.begin(), lists.end(), kSampleListName) != lists.end()) {
+        window.selectPopUpTitle(PopUp::expressionList, kSampleListName);
+        m_parts.lists.expressionListSelect();
+    }
     if (window.popUpTitles(PopUp::expression).size() >= 2) {
         window.selectPopUpIndex(PopUp::expression, 1);
         m_parts.requests.expressionSelect();
@@ -144,8 +160,9 @@ void StartUp::presentRestoreFactoryDefaultsAlert(bool asked) {
 }
 
 void StartUp::TalvexQuit() {
-    // An edited expression list is offered for saving here once lists can be edited.
-    terminate();
+    if (m_parts.lists.offerToSaveChanges()) {
+        terminate();
+    }
 }
 
 bool StartUp::windowShouldClose(bool isMainWindow) {
@@ -167,6 +184,9 @@ void StartUp::applicationWillTerminate() {
         return;
     }
     DefaultsStore& defaults = m_parts.defaults;
+    // The log first, so that the count stored next describes the text on disk. A failed save
+    // is not reported: the application is on its way out.
+    static_cast<void>(m_parts.log.write(m_parts.files, logPathStr()));
     defaults.setInteger("logLength", m_parts.log.entryCount());
     defaults.setBool("didCrash", false);
     m_parts.prefer.prefsToDefaults();

@@ -5,7 +5,9 @@
 #include <string>
 
 #include "app/controller/controller_state.h"
+#include "app/controller/expression_lists.h"
 #include "app/controller/history.h"
+#include "app/controller/log.h"
 #include "app/controller/preferencer.h"
 #include "app/controller/request_log.h"
 #include "app/controller/requests.h"
@@ -47,7 +49,8 @@ class StartUp {
         Preferencer& prefer;
         History& history;
         Requests& requests;
-        RequestLog& log;
+        Log& log;
+        ExpressionLists& lists;
     };
 
     StartUp(const Parts& parts, LaunchSettings settings)
@@ -65,12 +68,16 @@ class StartUp {
     void createSupportDirectories();
     void setVersion();
     void presentRestoreFactoryDefaultsAlert(bool asked);
+    // Offers to save an edited list first; a Cancel keeps the application running.
     void TalvexQuit();
     // Closing the main window is a quit request and is refused; other windows close.
     [[nodiscard]] bool windowShouldClose(bool isMainWindow);
 
     [[nodiscard]] const std::string& supportDirStr() const noexcept {
         return m_settings.supportFolder;
+    }
+    [[nodiscard]] std::string logPathStr() const {
+        return joinPath(m_settings.supportFolder, "log.rtfd");
     }
     [[nodiscard]] bool writeDefaultsOnTerminate() const noexcept {
         return m_writeDefaultsOnTerminate;

@@ -3,12 +3,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "app/controller/controller_state.h"
 #include "app/controller/displays.h"
+#include "app/controller/expression_lists.h"
 #include "app/controller/history.h"
+#include "app/controller/kvtx_exproter.h"
+#include "app/controller/log.h"
 #include "app/controller/preferencer.h"
-#include "app/controller/request_log.h"
 #include "app/controller/requests.h"
 #include "app/controller/start_up.h"
 #include "app/defaults_store.h"
@@ -25,9 +28,19 @@ struct ControllerPorts {
     ApplicationShell& shell;
     DefaultsStore& defaults;
     FileSystem& files;
-    // The log the requests write into; null for one that keeps nothing.
-    RequestLog* log = nullptr;
+    ListPanels& listPanels;
+    LogWindow& logWindow;
+    PrintService& printer;
+    FileDialogs& dialogs;
+    const Clock& clock;
+    // The application's own copy of the "Sample Expressions" list, when it has one.
+    std::function<std::optional<std::string>()> sampleList;
 };
+
+// The two display fields a printed page shows for the selected tab; none for a tab it does not
+// know.
+[[nodiscard]] std::optional<std::pair<TextField, TextField>> printDisplayFields(
+    const std::string& tabLabel);
 
 // The main window's controller and the application's delegate. It owns the run's state and the
 // collaborators that do the work (requests and displays, history, preferences, start-up) and
@@ -64,6 +77,34 @@ class TalvexContoller {
     void updateFloatingViews();
     void fullClean();
 
+    // The log.
+    void clearLog();
+    // A time-stamped copy of the log in the lists folder.
+    void exportLog();
+    void logPrint();
+    void profilePrint();
+
+    // The expression lists.
+    void expressionListSelect();
+    void listSelect(const std::string& title);
+    void compareListSelect();
+    void mirrorSelect();
+    void expressionUp();
+    void expressionDown();
+    void compareUp();
+    void compareDown();
+    void expressionListSave();
+    void expressionListSaveAs();
+    void expressionListRevert();
+    void expressionListDelete();
+    void openExpressionsWithModal();
+    void listsFolder();
+
+    // Import and export.
+    void importList();
+    void exprotList();
+    void exportLogAs();
+
     // The settings panel.
     void settings();
     void settingsSave();
@@ -82,6 +123,10 @@ class TalvexContoller {
     [[nodiscard]] Displays& displays() noexcept { return m_displays; }
     [[nodiscard]] Requests& requests() noexcept { return m_requests; }
     [[nodiscard]] StartUp& startUp() noexcept { return m_startUp; }
+    [[nodiscard]] Log& log() noexcept { return m_log; }
+    [[nodiscard]] ExpressionLists& lists() noexcept { return m_lists; }
+    [[nodiscard]] KVTXExproter& exproter() noexcept { return m_exproter; }
+    [[nodiscard]] const PrintPage& printView() const noexcept { return m_printView; }
 
   private:
     // Runs an action; a fault it throws becomes a message in the window.
@@ -92,14 +137,20 @@ class TalvexContoller {
     SettingsPanel& m_panel;
     DefaultsStore& m_defaults;
     ApplicationShell& m_shell;
-    UnkeptLog m_unkeptLog;
-    RequestLog& m_log;
+    FileSystem& m_files;
+    PrintService& m_printer;
+    const Clock& m_clock;
     ControllerState m_state;
     Preferencer m_prefer;
+    Log m_log;
     Displays m_displays;
     History m_history;
     Requests m_requests;
+    ExpressionLists m_lists;
     StartUp m_startUp;
+    KVTXExproter m_exproter;
+    // The page profilePrint lays out; a tab it does not know keeps the last display fields.
+    PrintPage m_printView;
 };
 
 }  // namespace talvex::app

@@ -82,6 +82,27 @@ bool FakeWindow::isChecked(CheckBox box) const { return m_checks[at(box)]; }
 
 void FakeWindow::setChecked(CheckBox box, bool on) { m_checks[at(box)] = on; }
 
+void FakeWindow::setCheckBoxEnabled(CheckBox box, bool enabled) { m_enabled[at(box)] = enabled; }
+
+bool FakeWindow::isCheckBoxEnabled(CheckBox box) const { return m_enabled[at(box)]; }
+
+void FakeWindow::removePopUpItem(PopUp popUp, std::size_t index) {
+    FakePopUp& pop = m_popUps[at(popUp)];
+    if (index >= pop.titles.size()) {
+        return;
+    }
+    pop.titles.erase(pop.titles.begin() + static_cast<long>(index));
+    const long removed = static_cast<long>(index);
+    if (pop.selected > removed) {
+        --pop.selected;
+    } else if (pop.selected == removed) {
+        pop.selected =
+            pop.titles.empty() ? -1 : std::min(removed, static_cast<long>(pop.titles.size()) - 1);
+    }
+}
+
+long FakeWindow::selectedPopUpIndex(PopUp popUp) const { return m_popUps[at(popUp)].selected; }
+
 void FakeWindow::runOnNextTurn(std::function<void()> work) { m_timers.push_back(std::move(work)); }
 
 void FakeWindow::runPendingTimers() {
@@ -136,6 +157,12 @@ bool MemoryFileSystem::isDirectory(const std::string& path) const { return folde
 bool MemoryFileSystem::createDirectories(const std::string& path) {
     if (files.contains(path)) {
         return false;
+    }
+    for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
+         slash = path.find('/', slash + 1)) {
+        if (files.contains(path.substr(0, slash))) {
+            return false;
+        }
     }
     // Every parent folder too.
     for (std::size_t slash = path.find('/', 1); slash != std::string::npos;
@@ -205,22 +232,48 @@ bool MemoryFileSystem::writeTextAtomically(const std::string& path, const std::s
     return true;
 }
 
-void MemoryLog::log(const core::StyledText& entry, bool logBoxOn) {
-    if (!logBoxOn) {
+bool FakeListPanels::runExpressionsPanel(std::string& text) {
+    if (editor.empty()) {
+        return false;
+    }
+    auto script = std::move(editor.front());
+    editor.pop_front();
+    return script(text);
+}
+
+void FakeListPanels::runSaveAsPanel(SaveAsFields& fields,
+                                    const std::function<bool(SaveAsFields&)>& save) {
+    ++saveAsOpenings;
+    if (saveAs.empty()) {
+        saveAsShown.push_back(fields);
         return;
     }
-    m_text.insert(0, entry.string() + "\t\t\n");
-    m_printIndex = static_cast<long>(entry.string().size()) + kSeparatorLength;
-    ++m_count;
+    auto script = std::move(saveAs.front());
+    saveAs.pop_front();
+    // A panel left open forever would be a test that never ends.
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        if (!script(fields, attempt) || save(fields)) {
+            break;
+        }
+    }
+    saveAsShown.push_back(fields);
 }
 
-void MemoryLog::setPrintIndex(long index) {
-    m_printIndex = std::clamp(index, 0L, static_cast<long>(m_text.size()));
-}
-
-void MemoryLog::printAttributedString(const core::StyledText& text) {
-    m_text.insert(static_cast<std::size_t>(m_printIndex), text.string());
-    m_printIndex += static_cast<long>(text.string().size());
+void FakeListPanels::runListsFolderPanel(
+    FolderFields& fields, const std::function<bool(FolderButton, FolderFields&)>& press) {
+    if (folder.empty()) {
+        folderShown.push_back(fields);
+        return;
+    }
+    auto script = std::move(folder.front());
+    folder.pop_front();
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        const FolderButton button = script(fields, attempt);
+        if (button == FolderButton::cancel || press(button, fields)) {
+            break;
+        }
+    }
+    folderShown.push_back(fields);
 }
 
 }  // namespace talvex::app::fakes

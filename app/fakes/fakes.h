@@ -40,8 +40,12 @@ class FakeWindow final : public MainWindow {
     void selectPopUpIndex(PopUp popUp, std::size_t index) override;
     [[nodiscard]] std::string selectedPopUpTitle(PopUp popUp) const override;
     void removeAllPopUpItems(PopUp popUp) override;
+    void removePopUpItem(PopUp popUp, std::size_t index) override;
+    [[nodiscard]] long selectedPopUpIndex(PopUp popUp) const override;
     [[nodiscard]] bool isChecked(CheckBox box) const override;
     void setChecked(CheckBox box, bool on) override;
+    void setCheckBoxEnabled(CheckBox box, bool enabled) override;
+    [[nodiscard]] bool isCheckBoxEnabled(CheckBox box) const;
     [[nodiscard]] double tableFieldHeight() const override { return m_tableFieldHeight; }
     void placeCaretAtEnd() override { ++m_caretPlacements; }
     [[nodiscard]] std::string selectedTabLabel() const override { return m_tab; }
@@ -66,6 +70,7 @@ class FakeWindow final : public MainWindow {
     std::array<int, kDisplayPairCount> m_fieldWrites{};
     std::array<FakePopUp, 4> m_popUps;
     std::array<bool, 3> m_checks{};
+    std::array<bool, 3> m_enabled{true, true, true};
     double m_tableFieldHeight = 100;
     int m_caretPlacements = 0;
     std::string m_tab = "Profile";
@@ -163,23 +168,77 @@ class MemoryFileSystem final : public FileSystem {
     int writes = 0;
 };
 
-// A log of plain text: entries at the top, each followed by the separator, and a print
-// position as a text printer keeps it.
-class MemoryLog final : public RequestLog {
+// Runs each panel with the next scripted script; a panel with no script left is cancelled.
+class FakeListPanels final : public ListPanels {
   public:
-    void log(const core::StyledText& entry, bool logBoxOn) override;
-    [[nodiscard]] long printIndex() const override { return m_printIndex; }
-    void setPrintIndex(long index) override;
-    void printAttributedString(const core::StyledText& text) override;
-    [[nodiscard]] long entryCount() const override { return m_count; }
-    void setEntryCount(long count) override { m_count = count; }
+    // Edits the editor's text and answers Load (true) or Close.
+    using EditorScript = std::function<bool(std::string&)>;
+    // Fills the Save As fields; returns false to press Cancel, true to press Save. Called again
+    // while the panel stays open.
+    using SaveAsScript = std::function<bool(SaveAsFields&, int attempt)>;
+    // Chooses a button for the folder panel; called again while it stays open.
+    using FolderScript = std::function<FolderButton(FolderFields&, int attempt)>;
 
-    [[nodiscard]] const std::string& text() const { return m_text; }
+    [[nodiscard]] bool runExpressionsPanel(std::string& text) override;
+    void runSaveAsPanel(SaveAsFields& fields,
+                        const std::function<bool(SaveAsFields&)>& save) override;
+    void runListsFolderPanel(
+        FolderFields& fields,
+        const std::function<bool(FolderButton, FolderFields&)>& press) override;
 
-  private:
-    std::string m_text;
-    long m_printIndex = 0;
-    long m_count = 0;
+    std::deque<EditorScript> editor;
+    std::deque<SaveAsScript> saveAs;
+    std::deque<FolderScript> folder;
+    // What each panel showed when it closed.
+    std::vector<SaveAsFields> saveAsShown;
+    std::vector<FolderFields> folderShown;
+    int saveAsOpenings = 0;
+};
+
+class FakeLogWindow final : public LogWindow {
+  public:
+    void redraw(const core::StyledText& log) override {
+        shown = log;
+        ++redraws;
+    }
+    void scrollToTop() override { ++scrolls; }
+
+    core::StyledText shown;
+    int redraws = 0;
+    int scrolls = 0;
+};
+
+class FakePrintService final : public PrintService {
+  public:
+    void printPage(const PrintPage& page) override { pages.push_back(page); }
+    void printLog(const core::StyledText& log) override { logs.push_back(log); }
+
+    std::vector<PrintPage> pages;
+    std::vector<core::StyledText> logs;
+};
+
+class FakeFileDialogs final : public FileDialogs {
+  public:
+    [[nodiscard]] std::vector<std::string> runOpenPanel(const OpenDialogRequest& request) override {
+        openRequests.push_back(request);
+        return openAnswer;
+    }
+    [[nodiscard]] std::optional<std::string> runSavePanel(
+        const SaveDialogRequest& request) override {
+        saveRequests.push_back(request);
+        return saveAnswer;
+    }
+
+    std::vector<std::string> openAnswer;
+    std::optional<std::string> saveAnswer;
+    std::vector<OpenDialogRequest> openRequests;
+    std::vector<SaveDialogRequest> saveRequests;
+};
+
+class FakeClock final : public Clock {
+  public:
+    [[nodiscard]] LocalTime now() const override { return time; }
+    LocalTime time{2026, 11, 15, 18, 23, 5};
 };
 
 }  // namespace talvex::app::fakes

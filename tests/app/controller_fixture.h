@@ -21,14 +21,22 @@ class ControllerTest : public ::testing::Test {
     void relaunch(const std::string& version = "1.0") {
         window = std::make_unique<fakes::FakeWindow>();
         panel = std::make_unique<fakes::FakeSettingsPanel>();
-        log = std::make_unique<fakes::MemoryLog>();
         defaults = std::make_unique<DefaultsStore>(domain);
         TalvexContoller::initialize(*defaults, DefaultValues{{"runningCalculation", false}});
-        controller = std::make_unique<TalvexContoller>(
-            ControllerPorts{*window, *panel, alerts, shell, *defaults, files, log.get()},
-            LaunchSettings{kSupportFolder, version});
+        controller =
+            std::make_unique<TalvexContoller>(ports(), LaunchSettings{kSupportFolder, version});
         controller->applicationWillFinishLaunching();
     }
+
+    // The world around the controller, on the fakes.
+    [[nodiscard]] ControllerPorts ports() {
+        return ControllerPorts{*window,   *panel,  alerts,     shell,
+                               *defaults, files,   listPanels, logWindow,
+                               printer,   dialogs, clock,      [this] { return sampleList; }};
+    }
+
+    [[nodiscard]] std::string logText() const { return controller->log().text().string(); }
+    [[nodiscard]] long logEntries() const { return controller->log().entryCount(); }
 
     // Types the text into the expression field and presses Return.
     void request(const std::string& text) {
@@ -47,7 +55,13 @@ class ControllerTest : public ::testing::Test {
     fakes::FakeShell shell;
     std::unique_ptr<fakes::FakeWindow> window;
     std::unique_ptr<fakes::FakeSettingsPanel> panel;
-    std::unique_ptr<fakes::MemoryLog> log;
+    fakes::FakeListPanels listPanels;
+    fakes::FakeLogWindow logWindow;
+    fakes::FakePrintService printer;
+    fakes::FakeFileDialogs dialogs;
+    fakes::FakeClock clock;
+    // What the application ships as its sample list (none in most tests).
+    std::optional<std::string> sampleList;
     std::unique_ptr<DefaultsStore> defaults;
     std::unique_ptr<TalvexContoller> controller;
 };

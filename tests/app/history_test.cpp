@@ -75,13 +75,13 @@ TEST_F(HistoryTest, SteppingChangesNoEntryCountNorTheLogAndRestoresTheBoxes) {
     window->setChecked(CheckBox::log, true);
     request("1d4");
     request("2d6");
-    const std::string logText = log->text();
+    const std::string before = logText();
     controller->stepBack();
     controller->stepForward();
     controller->stepBack();
     EXPECT_EQ(entries().size(), 2U);
-    EXPECT_EQ(log->text(), logText);
-    EXPECT_EQ(log->entryCount(), 2);
+    EXPECT_EQ(logText(), before);
+    EXPECT_EQ(logEntries(), 2);
     EXPECT_TRUE(window->isChecked(CheckBox::log));
     EXPECT_TRUE(window->isChecked(CheckBox::cycle));
 }

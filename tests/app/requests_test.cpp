@@ -139,16 +139,16 @@ TEST_F(RollTest, RollingTheSameExpressionTwiceOnlyRollsAgain) {
     EXPECT_EQ(window->fieldWrites(TextField::roll), rollWrites + 1);
     EXPECT_EQ(field(TextField::table), table);
     EXPECT_EQ(controller->history().entries().size(), 1U);
-    EXPECT_EQ(log->entryCount(), 1);
+    EXPECT_EQ(logEntries(), 1);
     EXPECT_EQ(controller->state().expression->profile().evaluationHistory().size(), 2U);
 }
 
 TEST_F(RollTest, WithLoggingOnTheSecondRollIsAppendedIntoTheSameEntryAfterTheFirst) {
     request("1d1");
-    const std::string afterFirst = log->text();
+    const std::string afterFirst = logText();
     request("1d1");
-    const std::string afterSecond = log->text();
-    EXPECT_EQ(log->entryCount(), 1);
+    const std::string afterSecond = logText();
+    EXPECT_EQ(logEntries(), 1);
     // One entry: a single separator, at the end, with the rolls just before it.
     EXPECT_EQ(afterSecond.find("\t\t\n"), afterSecond.size() - 3);
     EXPECT_GT(afterSecond.size(), afterFirst.size());
@@ -163,8 +163,8 @@ TEST_F(RollTest, WithLoggingOffRequestsAndRollsLeaveTheLogUnchanged) {
     window->setChecked(CheckBox::log, false);
     request("3d6");
     request("3d6");
-    EXPECT_EQ(log->text(), "");
-    EXPECT_EQ(log->entryCount(), 0);
+    EXPECT_EQ(logText(), "");
+    EXPECT_EQ(logEntries(), 0);
 }
 
 TEST_F(RollTest, NewRollRedisplaysAndRelogsAnUnchangedExpression) {
@@ -172,7 +172,7 @@ TEST_F(RollTest, NewRollRedisplaysAndRelogsAnUnchangedExpression) {
     controller->state().newRoll = true;
     request("3d6");
     EXPECT_EQ(controller->history().entries().size(), 2U);
-    EXPECT_EQ(log->entryCount(), 2);
+    EXPECT_EQ(logEntries(), 2);
     EXPECT_FALSE(controller->state().newRoll);
 }
 

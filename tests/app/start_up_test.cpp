@@ -34,9 +34,7 @@ TEST_F(StartUpTest, AFirstRunCalculatesTheFirstExpressionOfThePopUp) {
     window->insertPopUpTitle(PopUp::expression, kSelectExpression, 0);
     window->insertPopUpTitle(PopUp::expression, "3d6", 1);
     panel = std::make_unique<fakes::FakeSettingsPanel>();
-    controller = std::make_unique<TalvexContoller>(
-        ControllerPorts{*window, *panel, alerts, shell, *defaults, files, log.get()},
-        LaunchSettings{kSupportFolder, "1.0"});
+    controller = std::make_unique<TalvexContoller>(ports(), LaunchSettings{kSupportFolder, "1.0"});
     controller->applicationWillFinishLaunching();
     EXPECT_EQ(selected(PopUp::expression), "3d6");
     EXPECT_EQ(controller->state().expression->rawString(), "3d6");

@@ -65,5 +65,51 @@ TEST(StyledText, AppendingStyledTextKeepsItsRuns) {
     EXPECT_EQ(first.attributesAt(0), std::nullopt);
 }
 
+TEST(StyledText, InsertingInTheMiddleSplitsTheRunAroundTheNewText) {
+    const TextAttributes red{Color{255, 0, 0}, Alignment::Natural};
+    const TextAttributes blue{Color{0, 0, 255}, Alignment::Center};
+    StyledText text("abcd", red);
+    text.insert(2, StyledText("XY", blue));
+    EXPECT_EQ(text.string(), "abXYcd");
+    ASSERT_EQ(text.runs().size(), 3U);
+    EXPECT_EQ(text.runs()[0], (StyledRun{0, 2, red}));
+    EXPECT_EQ(text.runs()[1], (StyledRun{2, 2, blue}));
+    EXPECT_EQ(text.runs()[2], (StyledRun{4, 2, red}));
+}
+
+TEST(StyledText, InsertingBeyondTheEndAppends) {
+    StyledText text("ab", std::nullopt);
+    text.insert(99, StyledText("c", std::nullopt));
+    text.insert(0, StyledText("_", std::nullopt));
+    EXPECT_EQ(text.string(), "_abc");
+    EXPECT_EQ(text.runs().size(), 1U);
+}
+
+TEST(StyledText, ErasingJoinsTheRunsThatMeet) {
+    const TextAttributes red{Color{255, 0, 0}, Alignment::Natural};
+    StyledText text("ab", red);
+    text.append("--", std::nullopt);
+    text.append("cd", red);
+    text.erase(2, 2);
+    EXPECT_EQ(text.string(), "abcd");
+    ASSERT_EQ(text.runs().size(), 1U);
+    EXPECT_EQ(text.runs()[0], (StyledRun{0, 4, red}));
+    text.erase(1);
+    EXPECT_EQ(text.string(), "a");
+    text.erase(5, 1);
+    EXPECT_EQ(text.string(), "a");
+}
+
+TEST(StyledText, SubstringKeepsTheAttributesOfItsPart) {
+    const TextAttributes red{Color{255, 0, 0}, Alignment::Natural};
+    StyledText text("ab", std::nullopt);
+    text.append("cd", red);
+    const StyledText part = text.substring(1, 2);
+    EXPECT_EQ(part.string(), "bc");
+    EXPECT_EQ(part.attributesAt(0), std::nullopt);
+    EXPECT_EQ(part.attributesAt(1), red);
+    EXPECT_TRUE(text.substring(4).empty());
+}
+
 }  // namespace
 }  // namespace talvex::core

@@ -162,6 +162,32 @@ QString GuiTest::selected(const char* popUpName) {
     return combo == nullptr ? QString() : combo->currentText();
 }
 
+std::shared_ptr<bool> GuiTest::answerNextDialog(const char* objectName,
+                                                std::function<void(QWidget&)> answer) {
+    auto answered = std::make_shared<bool>(false);
+    auto poll = std::make_unique<QTimer>();
+    QTimer* timer = poll.get();
+    auto waited = std::make_shared<QElapsedTimer>();
+    waited->start();
+    timer->setInterval(10);
+    const QString name = QString::fromLatin1(objectName);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, waited, answered, answer, name] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if ((modal == nullptr || modal->objectName() != name) &&
+            waited->elapsed() < kModalTimeoutMilliseconds) {
+            return;
+        }
+        timer->stop();
+        if (modal != nullptr && modal->objectName() == name) {
+            *answered = true;
+            answer(*modal);
+        }
+    });
+    timer->start();
+    m_dialogPolls.push_back(std::move(poll));
+    return answered;
+}
+
 std::shared_ptr<bool> GuiTest::answerNextAlertBox(std::function<void(QMessageBox&)> answer) {
     auto answered = std::make_shared<bool>(false);
     // Owned by the test, so that an alert that never came cannot be answered by a later test.

@@ -5,6 +5,7 @@
 #include <QProcessEnvironment>
 #include <QString>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <string>
@@ -87,10 +88,14 @@ class GuiTest : public ::testing::Test {
     // Runs `answer` on the next alert once it appears, from the event loop the alert runs.
     // Returns a flag that tells whether it was answered.
     std::shared_ptr<bool> answerNextAlertBox(std::function<void(QMessageBox&)> answer);
+    // The same for the next modal dialogue of that object name (a panel, a file dialogue).
+    std::shared_ptr<bool> answerNextDialog(const char* objectName,
+                                           std::function<void(QWidget&)> answer);
 
     TemporaryHome m_home;
     std::unique_ptr<DesktopApp> m_app;
     QTimer* m_alertPoll = nullptr;
+    std::vector<std::unique_ptr<QTimer>> m_dialogPolls;
 };
 
 }  // namespace talvex::gui::testing

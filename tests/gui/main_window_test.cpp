@@ -46,11 +46,24 @@ TEST_F(MainWindowTest, TheWindowHasTheFiveTabsInOrder) {
     EXPECT_EQ(labels, (QStringList{"Profile", "Tables", "Diagrams", "Versus", "Versus with Tie"}));
 }
 
-TEST_F(MainWindowTest, AFreshStartShowsThePlaceholdersInEveryPopUp) {
+TEST_F(MainWindowTest, AFirstStartShowsTheSampleListAndCalculatesItsFirstExpression) {
+    EXPECT_EQ(selected("expressionListPop"), QStringLiteral("Sample Expressions"));
+    const QStringList expressions = titles("expressionPop");
+    ASSERT_GE(expressions.size(), 21);
+    EXPECT_EQ(selected("expressionPop"), expressions[1]);
+    EXPECT_EQ(selected("comparePop"), QString::fromLatin1(app::kSelectComparison));
+    EXPECT_EQ(selected("compareListPop"), QString::fromLatin1(app::kSelectComparisonList));
+    EXPECT_FALSE(shown("statisticsField").isEmpty());
+    EXPECT_EQ(statusMessage(), QString());
+}
+
+TEST_F(MainWindowTest, ALaterStartShowsThePlaceholdersInEveryPopUp) {
+    restart();
     EXPECT_EQ(selected("expressionPop"), QString::fromLatin1(app::kSelectExpression));
     EXPECT_EQ(selected("comparePop"), QString::fromLatin1(app::kSelectComparison));
     EXPECT_EQ(selected("expressionListPop"), QString::fromLatin1(app::kSelectExpressionList));
     EXPECT_EQ(selected("compareListPop"), QString::fromLatin1(app::kSelectComparisonList));
+    EXPECT_TRUE(titles("expressionListPop").contains(QStringLiteral("Sample Expressions")));
 }
 
 TEST_F(MainWindowTest, TypingAnExpressionAndReturnFillsTheDisplaysAndThePopUp) {
