@@ -208,11 +208,13 @@ void MainWindow::buildWidgets() {
     choiceRow->addWidget(m_popUps[1]);
     choiceRow->addWidget(m_stepButtons[2]);
     choiceRow->addWidget(m_stepButtons[3]);
-    choiceRow->addSpacing(12);
-    choiceRow->addWidget(new QLabel(QStringLiteral("Lists:")));
-    choiceRow->addWidget(m_popUps[2]);
-    choiceRow->addWidget(m_popUps[3]);
     choiceRow->addStretch(1);
+    // The lists and the check boxes in a row of their own, so the window fits a small screen.
+    auto* listRow = new QHBoxLayout;
+    listRow->addWidget(new QLabel(QStringLiteral("Lists:")));
+    listRow->addWidget(m_popUps[2]);
+    listRow->addWidget(m_popUps[3]);
+    listRow->addStretch(1);
     const std::array<std::pair<const char*, const char*>, 3> boxes = {{
         {"cycleCheckBox", "C&ycle"},
         {"logCheckBox", "&Log"},
@@ -222,7 +224,7 @@ void MainWindow::buildWidgets() {
         auto* box = new QCheckBox(QString::fromLatin1(boxes[i].second));
         box->setObjectName(QString::fromLatin1(boxes[i].first));
         m_checkBoxes[i] = box;
-        choiceRow->addWidget(box);
+        listRow->addWidget(box);
     }
     m_checkBoxes[static_cast<std::size_t>(app::CheckBox::cycle)]->setToolTip(
         QStringLiteral("Each new expression is compared with the one before"));
@@ -235,10 +237,10 @@ void MainWindow::buildWidgets() {
     m_backButton->setObjectName(QStringLiteral("backButton"));
     m_forwardButton = new QPushButton(QStringLiteral("Forward ▶"));
     m_forwardButton->setObjectName(QStringLiteral("forwardButton"));
-    choiceRow->addSpacing(12);
     choiceRow->addWidget(m_backButton);
     choiceRow->addWidget(m_forwardButton);
     layout->addLayout(choiceRow);
+    layout->addLayout(listRow);
 
     // The roll and the statistics of both expressions.
     for (std::size_t i = 1; i < kFieldCount; ++i) {
