@@ -205,11 +205,28 @@ constexpr const char* kWindow = R"(
 <tr><td><b>Return</b>, Ctrl+R</td><td>calculate the expression (or roll it again)</td></tr>
 <tr><td>Ctrl+[ or Alt+Left</td><td>back to the previous request</td></tr>
 <tr><td>Ctrl+] or Alt+Right</td><td>forward again</td></tr>
+<tr><td>Ctrl+Up, Ctrl+Down</td><td>the expression above or below in the pop-up (with Shift:
+the comparison)</td></tr>
+<tr><td>Ctrl+E</td><td>edit the expressions of the current list</td></tr>
+<tr><td>Ctrl+S</td><td>save the current list</td></tr>
+<tr><td>Ctrl+L</td><td>the log</td></tr>
+<tr><td>Ctrl+P</td><td>print the results</td></tr>
 <tr><td>Ctrl+,</td><td>the settings</td></tr>
 <tr><td>F1</td><td>this help</td></tr>
 <tr><td>Ctrl+Q</td><td>quit</td></tr>
 </table>
 <ul>
+<li><b>Expression lists</b>: each list is a text file in the lists folder (see <b>Lists
+Folder...</b> in the Lists menu), its expressions separated by a backslash. Choosing a list
+fills the expression pop-up; a comparison list fills the comparison pop-up. Expressions you
+type join the current list; <b>Save</b> keeps them, <b>Revert</b> drops them, and Talvex asks
+before leaving a list with unsaved changes. A label before a colon names an expression:
+<code>Fireball: 8d6</code>.</li>
+<li><b>The log</b> (View menu) keeps every calculation and its rolls, newest first, while
+the <i>Log</i> box is ticked, up to the log size of the settings. It is kept between runs and
+can be printed, cleared, or exported as rich text.</li>
+<li><b>Import List</b> and <b>Export List</b> (File menu) exchange lists as text files in
+the Mac OS Roman encoding, as older copies of Talvex wrote them.</li>
 <li><b>Running Calculation</b> (Calculate menu): after each roll the expression field holds
 the roll in parentheses, ready to be carried on, say with <code>+1d6</code>.</li>
 <li><b>Settings</b>: the dividers of the diagrams, the largest table, the bar length, the
