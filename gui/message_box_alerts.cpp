@@ -25,8 +25,7 @@ app::AlertAnswer MessageBoxAlerts::runAlert(const app::AlertRequest& request) {
     }
     QPushButton* alternate = nullptr;
     if (!request.alternateButton.empty()) {
-        alternate =
-            box.addButton(toQString(request.alternateButton), QMessageBox::DestructiveRole);
+        alternate = box.addButton(toQString(request.alternateButton), QMessageBox::DestructiveRole);
         alternate->setObjectName(QStringLiteral("alternateButton"));
     }
     QPushButton* standard =

@@ -22,18 +22,4 @@ class RequestLog {
     virtual void setEntryCount(long count) = 0;
 };
 
-// A log that keeps nothing: what the window uses until it has a log of its own.
-class UnkeptLog final : public RequestLog {
-  public:
-    void log(const core::StyledText& /*entry*/, bool /*logBoxOn*/) override {}
-    [[nodiscard]] long printIndex() const override { return 0; }
-    void setPrintIndex(long /*index*/) override {}
-    void printAttributedString(const core::StyledText& /*text*/) override {}
-    [[nodiscard]] long entryCount() const override { return m_count; }
-    void setEntryCount(long count) override { m_count = count; }
-
-  private:
-    long m_count = 0;
-};
-
 }  // namespace talvex::app
