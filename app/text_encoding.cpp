@@ -113,4 +113,42 @@ std::optional<std::string> utf8FromMacRoman(std::string_view bytes) {
     return text;
 }
 
+bool isUtf8(std::string_view text) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const auto lead = static_cast<unsigned char>(text[i]);
+        std::size_t length = 0;
+        char32_t value = 0;
+        char32_t least = 0;
+        if (lead < 0x80) {
+            ++i;
+            continue;
+        }
+        if ((lead & 0xE0U) == 0xC0U) {
+            length = 2, value = lead & 0x1FU, least = 0x80;
+        } else if ((lead & 0xF0U) == 0xE0U) {
+            length = 3, value = lead & 0x0FU, least = 0x800;
+        } else if ((lead & 0xF8U) == 0xF0U) {
+            length = 4, value = lead & 0x07U, least = 0x10000;
+        } else {
+            return false;
+        }
+        if (i + length > text.size()) {
+            return false;
+        }
+        for (std::size_t k = 1; k < length; ++k) {
+            const auto next = static_cast<unsigned char>(text[i + k]);
+            if ((next & 0xC0U) != 0x80U) {
+                return false;
+            }
+            value = (value << 6U) | (next & 0x3FU);
+        }
+        if (value < least || value > 0x10FFFF || (value >= 0xD800 && value <= 0xDFFF)) {
+            return false;
+        }
+        i += length;
+    }
+    return true;
+}
+
 }  // namespace talvex::app

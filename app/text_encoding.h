@@ -6,6 +6,10 @@
 
 namespace talvex::app {
 
+// Whether the bytes are well-formed UTF-8: no overlong forms, surrogates or values past
+// U+10FFFF.
+[[nodiscard]] bool isUtf8(std::string_view text);
+
 // Mac OS Roman, the encoding of lists written on the classic Mac, following Apple's own mapping
 // (0xC6 is U+2206 INCREMENT, 0xF0 the Apple logo U+F8FF). Line endings pass through untouched.
 

@@ -148,5 +148,16 @@ TEST(MacRomanTest, EveryByteDecodesAsAppleSaysAndEncodesBack) {
     EXPECT_EQ(macRomanFromUtf8(*text), everyByte);
 }
 
+TEST(Utf8Check, AcceptsWellFormedTextAndRefusesTheRest) {
+    EXPECT_TRUE(isUtf8(""));
+    EXPECT_TRUE(isUtf8("3d6 \xc3\xa9\xe2\x80\xa6 \xf0\x9f\x8e\xb2"));  // é … and a die
+    EXPECT_FALSE(isUtf8("\xc3"));                                      // cut short
+    EXPECT_FALSE(isUtf8("\x80"));                                      // a lone continuation byte
+    EXPECT_FALSE(isUtf8("\xc0\xaf"));                                  // overlong
+    EXPECT_FALSE(isUtf8("\xed\xa0\x80"));                              // a surrogate
+    EXPECT_FALSE(isUtf8("\xf4\x90\x80\x80"));                          // past U+10FFFF
+    EXPECT_FALSE(isUtf8("1d6 \xe9t\xe9"));                             // Latin-1
+}
+
 }  // namespace
 }  // namespace talvex::app
