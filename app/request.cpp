@@ -39,6 +39,8 @@ std::string faultMessage(std::exception_ptr fault) {
         return decimalFaultMessage(error);
     } catch (const core::CalculationTooLarge& error) {
         return error.what();
+    } catch (const core::CalculationCancelled& error) {
+        return error.what();
     } catch (const core::DividerListError& error) {
         return error.what();
     } catch (const std::bad_alloc&) {
@@ -48,6 +50,18 @@ std::string faultMessage(std::exception_ptr fault) {
     } catch (...) {
         return "the calculation stopped for an unknown reason";
     }
+}
+
+bool isCancellation(std::exception_ptr fault) {
+    try {
+        if (fault) {
+            std::rethrow_exception(fault);
+        }
+    } catch (const core::CalculationCancelled&) {
+        return true;
+    } catch (...) {
+    }
+    return false;
 }
 
 std::string shortenedForMessage(std::string_view text) {
@@ -69,8 +83,17 @@ void CalculationSession::pin(const std::string& key, language::ExpressionPointer
     m_pinned.emplace_back(key, std::move(expression));
 }
 
-void CalculationSession::emptyWhenHalfFull() {
-    if (m_expressions.size() <= core::kMaxExpressions / 2) {
+std::uint64_t CalculationSession::heldProfileBytes() const {
+    std::uint64_t outcomes = 0;
+    for (const auto& [key, expression] : m_expressions) {
+        outcomes += expression->heldOutcomes();
+    }
+    return outcomes * sizeof(core::Evaluation);
+}
+
+void CalculationSession::emptyWhenFull() {
+    if (m_expressions.size() <= core::kMaxExpressions / 2 &&
+        heldProfileBytes() <= kMaxSessionProfileBytes) {
         return;
     }
     m_expressions.clear();
@@ -79,9 +102,34 @@ void CalculationSession::emptyWhenHalfFull() {
     }
 }
 
+CalculationSession::Request::Request(CalculationSession& session)
+    : m_session(session), m_opened(!session.m_request) {
+    if (m_opened) {
+        session.emptyWhenFull();
+        session.m_request.emplace(session.m_expressions, session.m_limits);
+    }
+}
+
+CalculationSession::Request::~Request() {
+    if (m_opened) {
+        m_session.m_request.reset();
+    }
+}
+
 language::ExpressionPointer CalculationSession::build(std::string_view text) {
-    emptyWhenHalfFull();
-    return language::Expression::expressionWithString(text, m_expressions);
+    const Request request(*this);
+    language::RequestContext& context = *m_request;
+    language::ExpressionPointer built;
+    try {
+        m_runner->run(context,
+                      [&] { built = language::Expression::expressionWithString(text, context); });
+    } catch (...) {
+        // Nothing the failed request built stays; a sub-expression it finished would be
+        // correct, but keeping it could keep the very memory that stopped it.
+        context.discardAdditions();
+        throw;
+    }
+    return built;
 }
 
 RequestResult CalculationSession::calculate(std::string_view text, int rolls) {

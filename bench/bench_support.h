@@ -11,7 +11,8 @@ namespace talvex::bench {
 inline void buildCold(benchmark::State& state, const char* text) {
     for (auto _ : state) {
         language::ExpressionDictionary expressions;
-        auto expression = language::Expression::expressionWithString(text, expressions);
+        language::RequestContext context(expressions);
+        auto expression = language::Expression::expressionWithString(text, context);
         benchmark::DoNotOptimize(expression);
     }
 }

@@ -7,6 +7,7 @@ namespace {
 
 using talvex::language::Expression;
 using talvex::language::ExpressionDictionary;
+using talvex::language::RequestContext;
 
 using talvex::bench::buildCold;
 
@@ -17,12 +18,14 @@ void BM_Dice_100d6(benchmark::State& state) { buildCold(state, "100d6"); }
 // Warm: the dictionary already holds 99d6, so only the last step is built.
 void BM_Dice_100d6_Warm(benchmark::State& state) {
     ExpressionDictionary prepared;
-    static_cast<void>(Expression::expressionWithString("99d6", prepared));
+    RequestContext preparedContext(prepared);
+    static_cast<void>(Expression::expressionWithString("99d6", preparedContext));
     for (auto _ : state) {
         state.PauseTiming();
         ExpressionDictionary expressions = prepared;
+        RequestContext context(expressions);
         state.ResumeTiming();
-        auto expression = Expression::expressionWithString("100d6", expressions);
+        auto expression = Expression::expressionWithString("100d6", context);
         benchmark::DoNotOptimize(expression);
         state.PauseTiming();
         expressions.clear();

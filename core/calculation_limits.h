@@ -14,13 +14,18 @@ class CalculationTooLarge : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Thrown when a request is cancelled from outside (Cancel in the window, Ctrl-C in the
+// terminal): the request ends as if it had never started.
+class CalculationCancelled : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 // Outcomes of one profile (a single die, for instance).
 inline constexpr std::size_t kMaxOutcomes = 1'000'000;
-// Outcome pairs of one combination of two profiles.
+// Outcome pairs of one combination of two profiles, each an outcome until they are merged:
+// the memory a single combination may take when no request bounds it.
 inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
-// Outcome pairs combined, over all its steps, by a chain of dice (X dice as X-1 dice plus one):
-// a few seconds of work.
-inline constexpr std::size_t kMaxDiceChainPairs = 30'000'000;
 // Expressions under construction one inside the other (each level of parentheses or of a
 // function call takes about two); deeper texts would exhaust the stack.
 inline constexpr std::size_t kMaxConstructionDepth = 3000;

@@ -110,15 +110,6 @@ Profile versusProfile(std::vector<Profile>& profiles) {
         return std::move(*split);
     }
     const std::size_t n = profiles.size();
-    // Every outcome of every operand meets every other operand once.
-    double meetings = 0;
-    for (const Profile& profile : profiles) {
-        meetings += static_cast<double>(profile.evaluations().size()) * static_cast<double>(n);
-    }
-    if (meetings > static_cast<double>(core::kMaxOutcomePairs)) {
-        throw core::CalculationTooLarge(
-            "a comparison of this many outcomes is too large to calculate");
-    }
     // Each operand's outcomes, ascending, and the running weight up to each of them.
     std::vector<std::vector<Evaluation>> outcomes(n);
     std::vector<std::vector<Decimal>> running(n);
@@ -347,7 +338,14 @@ Profile challengeProfileWinTie(std::vector<Profile>& profiles) {
     return profileOf(std::move(result));
 }
 
-Profile comparisonProfileForKeyword(std::string_view comparator, std::vector<Profile>& profiles) {
+Profile comparisonProfileForKeyword(std::string_view comparator, std::vector<Profile>& profiles,
+                                    RequestContext& context) {
+    double meetings = 0;
+    for (const Profile& profile : profiles) {
+        meetings +=
+            static_cast<double>(profile.evaluationCount()) * static_cast<double>(profiles.size());
+    }
+    context.charge(meetings);
     if (comparator == "vs") {
         return versusProfileNoTies(profiles);
     }

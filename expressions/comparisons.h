@@ -8,6 +8,7 @@
 
 #include "core/decimal.h"
 #include "core/profile.h"
+#include "expressions/request_context.h"
 
 namespace talvex::language {
 
@@ -44,8 +45,11 @@ struct TiePattern {
 [[nodiscard]] std::vector<TiePattern> tiesWithFirstInArray(std::span<const core::Decimal> first,
                                                            std::span<const core::Decimal> running);
 
-// The operation a comparator keyword names; an unknown keyword gives an empty profile.
+// The operation a comparator keyword names; an unknown keyword gives an empty profile. Every
+// outcome of every operand meets every other operand: that much work is charged to the request
+// before any of it is done.
 [[nodiscard]] core::Profile comparisonProfileForKeyword(std::string_view comparator,
-                                                        std::vector<core::Profile>& profiles);
+                                                        std::vector<core::Profile>& profiles,
+                                                        RequestContext& context);
 
 }  // namespace talvex::language

@@ -38,14 +38,6 @@ std::vector<Evaluation> storedEvaluations(const Profile& profile) {
     return hasNoEvaluations(profile) ? std::vector<Evaluation>{} : profile.evaluations();
 }
 
-void checkPairs(std::size_t left, std::size_t right) {
-    if (left != 0 && right > core::kMaxOutcomePairs / left) {
-        throw core::CalculationTooLarge("combining " + std::to_string(left) + " outcomes with " +
-                                        std::to_string(right) +
-                                        " outcomes is too large to calculate");
-    }
-}
-
 core::FunctionKernel arithmeticKernel(char op) {
     switch (op) {
         case 'e':
@@ -86,8 +78,8 @@ double facesOfOneDie(char letter, double size) {
 // An upper estimate of the outcome pairs that building every dice text of a re-expansion
 // would combine: for each size, the chain of counts up to the largest one, each count one
 // convolution with a single die.
-void expansionWork(const std::vector<Evaluation>& counts, const std::vector<Evaluation>& sizes,
-                   char letter) {
+double expansionWork(const std::vector<Evaluation>& counts, const std::vector<Evaluation>& sizes,
+                     char letter) {
     double largestCount = 0;
     for (const Evaluation& count : counts) {
         if (count.isDefined()) {
@@ -96,7 +88,7 @@ void expansionWork(const std::vector<Evaluation>& counts, const std::vector<Eval
         }
     }
     if (largestCount == 0) {
-        return;
+        return 0;
     }
     double work = 0;
     for (const Evaluation& size : sizes) {
@@ -106,29 +98,27 @@ void expansionWork(const std::vector<Evaluation>& counts, const std::vector<Eval
             work += faces + faces * faces * largestCount * (largestCount - 1) / 2;
         }
     }
-    if (work > static_cast<double>(kMaxDiceExpansionWork)) {
-        throw core::CalculationTooLarge(
-            "dice with random counts or sizes this large are too much to calculate");
-    }
+    return work;
 }
 
 }  // namespace
 
 void checkDiceExpansionWork(const std::vector<Evaluation>& counts,
-                            const std::vector<Evaluation>& sizes, char letter) {
-    expansionWork(counts, sizes, letter);
+                            const std::vector<Evaluation>& sizes, char letter,
+                            const RequestContext& context) {
+    context.refuseBeyondRemaining(expansionWork(counts, sizes, letter));
 }
 
 Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
-                        ExpressionDictionary& expressions) {
+                        RequestContext& context) {
     Profile result;
     const std::vector<Evaluation> counts = storedEvaluations(left);
     const std::vector<Evaluation> sizes = storedEvaluations(right);
     if (counts.empty() || sizes.empty()) {
         return result;
     }
-    checkPairs(counts.size(), sizes.size());
-    checkDiceExpansionWork(counts, sizes, letter);
+    context.chargeCombination(counts.size(), sizes.size());
+    checkDiceExpansionWork(counts, sizes, letter, context);
     for (const Evaluation& count : counts) {
         for (const Evaluation& size : sizes) {
             const Decimal weight = count.weight() * size.weight();
@@ -138,7 +128,7 @@ Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
             }
             // Each distinct text is built once per dictionary and shared after that.
             const std::string text = diceRelationText(letter, count.quantity(), size.quantity());
-            Profile dice = Expression::expressionWithString(text, expressions)->profile();
+            Profile dice = Expression::expressionWithString(text, context)->profile();
             dice.scaleToTotalWeight(weight);
             if (hasNoEvaluations(dice)) {
                 result.addQuantity(Decimal::notANumber(), weight);
@@ -156,12 +146,13 @@ void roundComparisonOperands(std::vector<Profile>& profiles) {
     }
 }
 
-Profile comparisonProfile(std::string_view comparator, std::vector<Profile>& profiles) {
-    return comparisonProfileForKeyword(comparator, profiles);
+Profile comparisonProfile(std::string_view comparator, std::vector<Profile>& profiles,
+                          RequestContext& context) {
+    return comparisonProfileForKeyword(comparator, profiles, context);
 }
 
 Profile CompoundExpression::combineProfiles(std::vector<Profile> profiles, char op,
-                                            ExpressionDictionary& expressions) const {
+                                            RequestContext& context) const {
     if (profiles.size() < 2 || op == '\0') {
         return Profile{};
     }
@@ -171,31 +162,26 @@ Profile CompoundExpression::combineProfiles(std::vector<Profile> profiles, char 
     Profile result = profiles.front().copy();
     if (const core::FunctionKernel kernel = arithmeticKernel(op); kernel != nullptr) {
         for (std::size_t i = 1; i < profiles.size(); ++i) {
-            checkPairs(result.evaluations().size(), profiles[i].evaluations().size());
+            context.chargeCombination(result.evaluationCount(), profiles[i].evaluationCount());
             result.assimilateProfile(profiles[i], kernel);
         }
     } else if (isDiceLetter(op)) {
         for (std::size_t i = 1; i < profiles.size(); ++i) {
-            result = diceReexpansion(result, profiles[i], op, expressions);
+            result = diceReexpansion(result, profiles[i], op, context);
         }
     } else if (op == '%') {
         roundComparisonOperands(profiles);
-        result = comparisonProfile(m_comparator, profiles);
+        result = comparisonProfile(m_comparator, profiles, context);
     } else {
         for (std::size_t i = 1; i < profiles.size(); ++i) {
-            checkPairs(result.evaluations().size(), profiles[i].evaluations().size());
+            context.chargeCombination(result.evaluationCount(), profiles[i].evaluationCount());
             result.assimilateProfile(profiles[i], CompoundExpressionUndefinedF);
         }
     }
     return result;
 }
 
-Profile CompoundExpression::combineProfiles(std::vector<Profile> profiles, char op) const {
-    ExpressionDictionary expressions;
-    return combineProfiles(std::move(profiles), op, expressions);
-}
-
-void CompoundExpression::makeProfileWithExpressions(ExpressionDictionary& expressions) {
+void CompoundExpression::makeProfile(RequestContext& context) {
     ownProfile() = Profile{};
     if (m_subExpressions.empty() || m_subOperators.size() + 1 != m_subExpressions.size()) {
         return;
@@ -223,7 +209,7 @@ void CompoundExpression::makeProfileWithExpressions(ExpressionDictionary& expres
                 std::vector<Profile> pair;
                 pair.push_back(std::move(keptProfiles.back()));
                 pair.push_back(std::move(profiles[i + 1]));
-                keptProfiles.back() = combineProfiles(std::move(pair), operators[i], expressions);
+                keptProfiles.back() = combineProfiles(std::move(pair), operators[i], context);
             } else {
                 keptOperators.push_back(operators[i]);
                 keptProfiles.push_back(std::move(profiles[i + 1]));
@@ -241,7 +227,7 @@ void CompoundExpression::makeProfileWithExpressions(ExpressionDictionary& expres
             std::all_of(operators.begin(), operators.end(),
                         [&operators](char op) { return op == operators.front(); });
         if (oneOperator) {
-            result = combineProfiles(std::move(profiles), operators.front(), expressions);
+            result = combineProfiles(std::move(profiles), operators.front(), context);
         }
     } else {
         result = std::move(profiles.front());

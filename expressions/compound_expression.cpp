@@ -95,15 +95,4 @@ std::span<const ExpressionKind> CompoundExpression::descendants() const {
     return kHard;
 }
 
-// Without a shared dictionary, equal sub-texts are still shared within this one text.
-void CompoundExpression::parseRawString() {
-    ExpressionDictionary expressions;
-    parseRawStringWithExpressions(expressions);
-}
-
-void CompoundExpression::makeProfile() {
-    ExpressionDictionary expressions;
-    makeProfileWithExpressions(expressions);
-}
-
 }  // namespace talvex::language

@@ -21,9 +21,6 @@ inline constexpr std::size_t kMaxNestingDepth = 500;
 inline constexpr std::size_t kMaxNestedTextLength = 8U * 1024U * 1024U;
 // Characters scanned while writing out definitions and names in one parse.
 inline constexpr std::uint64_t kMaxRewritingWork = 2'000'000'000;
-// Dice with random counts or sizes build one dice text per pair of whole numbers; the pairs of
-// outcomes that those builds would combine, estimated before building any, are bounded.
-inline constexpr std::uint64_t kMaxDiceExpansionWork = 10'000'000;
 
 // A text with structure: operators, parentheses, named functions, comparators, the named
 // constants "pi" and "ex", and definitions ("a=1d6;b=a+a;b*2").
@@ -63,20 +60,17 @@ class CompoundExpression : public Expression {
     // All profiles combined with one operator, left to right (a comparator takes them all at
     // once). Fewer than two profiles, or no operator ('\0'), give an empty profile.
     [[nodiscard]] core::Profile combineProfiles(std::vector<core::Profile> profiles, char op,
-                                                ExpressionDictionary& expressions) const;
-    [[nodiscard]] core::Profile combineProfiles(std::vector<core::Profile> profiles, char op) const;
+                                                RequestContext& context) const;
 
   protected:
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override;
-    void parseRawString() override;
-    void parseRawStringWithExpressions(ExpressionDictionary& expressions) override;
-    void makeProfile() override;
-    void makeProfileWithExpressions(ExpressionDictionary& expressions) override;
+    void parseRawString(RequestContext& context) override;
+    void makeProfile(RequestContext& context) override;
 
   private:
     // Cuts the rewritten text at its top-level operators and builds the operands.
     void cutOperands(std::string_view text, std::string_view masked,
-                     std::string_view expressionProper, ExpressionDictionary& expressions);
+                     std::string_view expressionProper, RequestContext& context);
 
     std::vector<ExpressionPointer> m_subExpressions;
     std::vector<char> m_subOperators;
@@ -85,16 +79,18 @@ class CompoundExpression : public Expression {
     std::int32_t m_subFunctionIndex = 0;
 };
 
-// The distribution of `left` dice (counts) of `right` sizes in the notation `letter`: every
-// pair of whole numbers becomes a dice text built through `expressions`, weighted by the
-// chance of the pair. An empty side gives an empty profile.
 // Refuses, before any dice text is built, random dice whose counts and sizes would combine
-// too many outcome pairs (an upper estimate over every pair of whole numbers).
+// more outcome pairs than the request has left (an upper estimate over every pair of whole
+// numbers).
 void checkDiceExpansionWork(const std::vector<core::Evaluation>& counts,
-                            const std::vector<core::Evaluation>& sizes, char letter);
+                            const std::vector<core::Evaluation>& sizes, char letter,
+                            const RequestContext& context);
 
+// The distribution of `left` dice (counts) of `right` sizes in the notation `letter`: every
+// pair of whole numbers becomes a dice text built in the request, weighted by the chance of the
+// pair. An empty side gives an empty profile.
 [[nodiscard]] core::Profile diceReexpansion(const core::Profile& left, const core::Profile& right,
-                                            char letter, ExpressionDictionary& expressions);
+                                            char letter, RequestContext& context);
 
 // A comparator compares its operands at ten decimals: each is rounded to that precision, and
 // outcomes that then coincide are merged.
@@ -103,6 +99,7 @@ void roundComparisonOperands(std::vector<core::Profile>& profiles);
 // What a comparator ("vs", "vt", "tt", "ch", "cw", "cl", "cu") makes of its operands, each
 // already rounded to ten decimals; an empty or unknown comparator gives an empty profile.
 [[nodiscard]] core::Profile comparisonProfile(std::string_view comparator,
-                                              std::vector<core::Profile>& profiles);
+                                              std::vector<core::Profile>& profiles,
+                                              RequestContext& context);
 
 }  // namespace talvex::language

@@ -292,18 +292,16 @@ struct Rewritten {
 
 }  // namespace
 
-void CompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& expressions) {
+void CompoundExpression::parseRawString(RequestContext& context) {
     Rewritten rewritten = rewrite(withoutLabel(titleRawString()));
     setRawString(std::move(rewritten.rawString));
     m_subFunctions = std::move(rewritten.functions);
     m_comparator = std::move(rewritten.comparator);
-    cutOperands(rewritten.parts.text, rewritten.parts.masked, rewritten.expressionProper,
-                expressions);
+    cutOperands(rewritten.parts.text, rewritten.parts.masked, rewritten.expressionProper, context);
 }
 
 void CompoundExpression::cutOperands(std::string_view text, std::string_view masked,
-                                     std::string_view expressionProper,
-                                     ExpressionDictionary& expressions) {
+                                     std::string_view expressionProper, RequestContext& context) {
     const std::string_view operators = operatorArray();
     std::size_t operandStart = 0;
     std::size_t searchFrom = 0;
@@ -343,7 +341,7 @@ void CompoundExpression::cutOperands(std::string_view text, std::string_view mas
         if (m_subExpressions.empty() && called == expressionProper) {
             called = kUndefinedText;
         }
-        m_subExpressions.push_back(expressionWithString(called, expressions));
+        m_subExpressions.push_back(expressionWithString(called, context));
         if (position == std::string_view::npos) {
             return;
         }

@@ -44,12 +44,11 @@ bool ConstantExpression::isExpressionString(std::string_view text) {
 
 ExpressionPointer ConstantExpression::create() { return std::make_shared<ConstantExpression>(); }
 
-void ConstantExpression::parseRawString() {
-    Expression::parseRawString();
+void ConstantExpression::parseRawString(RequestContext& /*context*/) {
     m_constantDecimal = core::Decimal::decimalNumberWithString(rawString());
 }
 
-void ConstantExpression::makeProfile() {
+void ConstantExpression::makeProfile(RequestContext& /*context*/) {
     ownProfile().addQuantity(m_constantDecimal, core::Decimal::one());
 }
 

@@ -18,8 +18,8 @@ class ConstantExpression : public Expression {
 
   protected:
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
-    void parseRawString() override;
-    void makeProfile() override;
+    void parseRawString(RequestContext& context) override;
+    void makeProfile(RequestContext& context) override;
 
   private:
     core::Decimal m_constantDecimal;

@@ -106,8 +106,7 @@ ExpressionPointer DiceExpression::create() { return std::make_shared<DiceExpress
 
 std::span<const ExpressionKind> DiceExpression::descendants() const { return kNotations; }
 
-void DiceExpression::parseRawString() {
-    Expression::parseRawString();
+void DiceExpression::parseRawString(RequestContext& /*context*/) {
     const std::string_view text = rawString();
     const std::size_t position = findLetter(text);
     if (position == std::string_view::npos) {
@@ -123,27 +122,41 @@ void DiceExpression::checkDiceCount() const {
     }
 }
 
-void DiceExpression::checkChainWork(std::int64_t fromCount) const {
-    // Adding one die to k dice combines at most k(F-1)+1 outcomes with F faces; the steps
-    // still to be built are summed before any of them is.
+void DiceExpression::checkChainWork(std::int64_t fromCount, const RequestContext& context) const {
+    // Adding one die to k dice combines at most k(F-1)+1 outcomes with F faces, and every count
+    // on the way stays in the dictionary; the steps still to be built are summed before any of
+    // them is.
     const auto faces = static_cast<double>(singleDieOutcomes());
-    double pairs = 0;
-    for (std::int64_t k = std::max<std::int64_t>(fromCount, 1); k < m_x; ++k) {
-        pairs += (static_cast<double>(k) * (faces - 1) + 1) * faces;
-        if (pairs > static_cast<double>(core::kMaxDiceChainPairs)) {
-            throw core::CalculationTooLarge(
-                std::to_string(m_x) + " dice of " + std::to_string(singleDieOutcomes()) +
-                " outcomes each need too many combinations to calculate");
-        }
-    }
+    const auto from = static_cast<double>(std::max<std::int64_t>(fromCount, 1));
+    const auto to = static_cast<double>(m_x);
+    // Sums over k from `from` to x-1 of k(F-1)+1, in closed form.
+    const double steps = to - from;
+    const double countSum = (from + to - 1) * steps / 2;
+    const double outcomes = countSum * (faces - 1) + steps;
+    context.refuseBeyondRemaining(outcomes * faces +
+                                  steps * static_cast<double>(kCombinationOverhead));
+    context.reserveOutcomes(outcomes);
 }
 
-void DiceExpression::makeProfileWithExpressions(ExpressionDictionary& expressions) {
+void DiceExpression::makeOneDie() {
+    checkDiceCount();
+    if (m_x == 0 || m_y == 0) {
+        ownProfile().addQuantity(Decimal::zero(), Decimal::one());
+        return;
+    }
+    makeSingleDie();
+}
+
+void DiceExpression::makeProfile(RequestContext& context) {
+    if (letter() == '\0') {
+        return;
+    }
     if (m_x <= 1) {
-        makeProfile();
+        makeOneDie();
         return;
     }
     checkDiceCount();
+    ExpressionDictionary& expressions = context.expressions();
     const char notation = letter();
     // Build the missing counts from the largest one already known upwards, so that each
     // construction finds its predecessor and the chain never recurses deeply. The result and
@@ -152,32 +165,16 @@ void DiceExpression::makeProfileWithExpressions(ExpressionDictionary& expression
     while (known >= 1 && !expressions.contains(diceText(known, notation, m_y))) {
         --known;
     }
-    checkChainWork(known);
+    checkChainWork(known, context);
     for (std::int64_t count = known + 1; count < m_x - 1; ++count) {
-        static_cast<void>(expressionWithString(diceText(count, notation, m_y), expressions));
+        static_cast<void>(expressionWithString(diceText(count, notation, m_y), context));
     }
-    const ExpressionPointer one = expressionWithString(diceText(1, notation, m_y), expressions);
-    const ExpressionPointer rest =
-        expressionWithString(diceText(m_x - 1, notation, m_y), expressions);
+    const ExpressionPointer one = expressionWithString(diceText(1, notation, m_y), context);
+    const ExpressionPointer rest = expressionWithString(diceText(m_x - 1, notation, m_y), context);
+    context.chargeCombination(rest->profileView().evaluationCount(),
+                              one->profileView().evaluationCount());
     ownProfile() = rest->profile();
     ownProfile().assimilateProfile(one->profile(), DiceExpressionF);
-}
-
-void DiceExpression::makeProfile() {
-    if (letter() == '\0') {
-        return;
-    }
-    checkDiceCount();
-    if (m_x == 0 || m_y == 0) {
-        ownProfile().addQuantity(Decimal::zero(), Decimal::one());
-        return;
-    }
-    checkChainWork(1);
-    makeSingleDie();
-    const core::Profile die = ownProfile().copy();
-    for (std::int32_t i = 1; i < m_x; ++i) {
-        ownProfile().assimilateProfile(die, combiningFunction());
-    }
 }
 
 bool XdyExpression::isExpressionString(std::string_view text) {

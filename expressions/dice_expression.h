@@ -28,9 +28,9 @@ class DiceExpression : public Expression {
 
   protected:
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override;
-    void parseRawString() override;
-    void makeProfileWithExpressions(ExpressionDictionary& expressions) override;
-    void makeProfile() override;
+    void parseRawString(RequestContext& context) override;
+    // X dice as (X-1 dice) + (1 die), the missing counts built from the largest one known.
+    void makeProfile(RequestContext& context) override;
 
     // The notation's letter; the generic dice kind has none and never builds a profile.
     [[nodiscard]] virtual char letter() const noexcept { return '\0'; }
@@ -41,9 +41,11 @@ class DiceExpression : public Expression {
     }
 
     void checkDiceCount() const;
-    // Refuses a chain whose remaining steps, from `fromCount` dice on, would combine more
-    // outcome pairs than an interactive calculation should.
-    void checkChainWork(std::int64_t fromCount) const;
+    // Refuses at once a chain whose remaining steps, from `fromCount` dice on, would combine
+    // more outcome pairs than the request has left, or hold more outcomes than it may.
+    void checkChainWork(std::int64_t fromCount, const RequestContext& context) const;
+    // One die of this notation alone.
+    void makeOneDie();
     // The outcomes of one die of this notation at the current size.
     [[nodiscard]] virtual std::int64_t singleDieOutcomes() const noexcept { return 1; }
 

@@ -7,13 +7,14 @@
 
 namespace talvex::language {
 
-ExpressionPointer Expression::expressionWithString(std::string_view text,
-                                                   ExpressionDictionary& expressions) {
-    return construct(std::make_shared<Expression>(), text, &expressions);
+ExpressionPointer Expression::expressionWithString(std::string_view text, RequestContext& context) {
+    return construct(std::make_shared<Expression>(), text, context);
 }
 
 ExpressionPointer Expression::expressionWithString(std::string_view text) {
-    return construct(std::make_shared<Expression>(), text, nullptr);
+    ExpressionDictionary expressions;
+    RequestContext context(expressions);
+    return expressionWithString(text, context);
 }
 
 std::string Expression::cleanString(std::string_view text) {
@@ -40,59 +41,43 @@ bool Expression::isExpressionString(std::string_view /*text*/) noexcept { return
 std::span<const ExpressionKind> Expression::descendants() const { return expressionKinds(); }
 
 ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_view text,
-                                        ExpressionDictionary* expressions) {
+                                        RequestContext& context) {
+    ExpressionDictionary& expressions = context.expressions();
     std::string key = cleanString(text);
-    if (expressions != nullptr) {
-        if (const auto found = expressions->find(key); found != expressions->end()) {
-            return found->second;
-        }
+    if (const auto found = expressions.find(key); found != expressions.end()) {
+        return found->second;
     }
     // Sub-expressions are built recursively (parentheses, function arguments, operands).
     struct DepthGuard {
-        std::size_t* depth;
-        explicit DepthGuard(ExpressionDictionary* dictionary)
-            : depth(dictionary == nullptr ? nullptr : &dictionary->m_constructionDepth) {
-            if (depth != nullptr) {
-                ++*depth;
-            }
-        }
-        ~DepthGuard() {
-            if (depth != nullptr) {
-                --*depth;
-            }
-        }
+        std::size_t& depth;
+        explicit DepthGuard(std::size_t& counter) : depth(++counter) {}
+        ~DepthGuard() { --depth; }
         DepthGuard(const DepthGuard&) = delete;
         DepthGuard& operator=(const DepthGuard&) = delete;
-    } guard(expressions);
-    if (expressions != nullptr && expressions->m_constructionDepth > core::kMaxConstructionDepth) {
+    } guard(context.m_constructionDepth);
+    if (context.m_constructionDepth > core::kMaxConstructionDepth) {
         throw core::CalculationTooLarge("the expression is nested too deeply to calculate");
     }
-    if (expressions != nullptr && expressions->size() >= core::kMaxExpressions) {
+    if (expressions.size() >= core::kMaxExpressions) {
         throw core::CalculationTooLarge("the calculation needs more than " +
                                         std::to_string(core::kMaxExpressions) +
                                         " distinct sub-expressions");
     }
+    context.checkStopped();
     Expression& self = *blank;
     self.m_rawString = std::move(key);
     self.m_titleRawString = std::string(text);
-    if (expressions != nullptr) {
-        self.parseRawStringWithExpressions(*expressions);
-    } else {
-        self.parseRawString();
-    }
+    self.parseRawString(context);
     for (const ExpressionKind& kind : self.descendants()) {
         if (kind.isExpressionString(self.m_titleRawString)) {
-            return construct(kind.create(), self.m_titleRawString, expressions);
+            return construct(kind.create(), self.m_titleRawString, context);
         }
     }
-    if (expressions != nullptr) {
-        self.makeProfileWithExpressions(*expressions);
-    } else {
-        self.makeProfile();
-    }
+    self.makeProfile(context);
     self.m_profile.setTitleString(self.m_rawString);
-    if (expressions != nullptr) {
-        expressions->try_emplace(self.m_rawString, blank);
+    if (expressions.try_emplace(self.m_rawString, blank).second) {
+        context.m_added.push_back(self.m_rawString);
+        context.hold(self.heldOutcomes());
     }
     return blank;
 }

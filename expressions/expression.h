@@ -9,24 +9,17 @@
 #include "core/decimal.h"
 #include "core/evaluation.h"
 #include "core/profile.h"
+#include "expressions/request_context.h"
 
 namespace talvex::language {
 
 class Expression;
 using ExpressionPointer = std::shared_ptr<Expression>;
 
-// Cleaned text -> the expression built from it. Whoever starts a construction owns one and
-// hands it down; every expression built at any depth is added, so equal texts are built once.
-// It also counts the constructions under way on it, one inside the other, so that a text
-// nested too deeply is refused before it exhausts the stack.
-class ExpressionDictionary : public std::unordered_map<std::string, ExpressionPointer> {
-  public:
-    [[nodiscard]] std::size_t constructionDepth() const noexcept { return m_constructionDepth; }
-
-  private:
-    friend class Expression;
-    std::size_t m_constructionDepth = 0;
-};
+// Cleaned text -> the expression built from it. Whoever starts a request owns one and hands it
+// down inside the request's context; every expression built at any depth is added, so equal
+// texts are built once.
+class ExpressionDictionary : public std::unordered_map<std::string, ExpressionPointer> {};
 
 // One kind that evolution may turn an expression into: its recognition test on the uncleaned
 // text, and a factory for a blank instance that then runs the whole pipeline.
@@ -45,10 +38,11 @@ class Expression {
     Expression(const Expression&) = delete;
     Expression& operator=(const Expression&) = delete;
 
-    // Builds (or finds) the expression for `text` in the shared dictionary.
+    // Builds (or finds) the expression for `text` in the request's dictionary, within its
+    // budget.
     [[nodiscard]] static ExpressionPointer expressionWithString(std::string_view text,
-                                                                ExpressionDictionary& expressions);
-    // Builds the expression without a shared dictionary.
+                                                                RequestContext& context);
+    // Builds the expression as a request of its own, with a fresh dictionary.
     [[nodiscard]] static ExpressionPointer expressionWithString(std::string_view text);
 
     // Drops everything up to the first ":" (a label) and removes blanks, tabs and line breaks.
@@ -70,28 +64,29 @@ class Expression {
     // One random draw from the expression's profile, which remembers it.
     [[nodiscard]] core::Evaluation evaluation() { return m_profile.evaluation(); }
     [[nodiscard]] core::Decimal evaluate() { return m_profile.evaluate(); }
+    // The outcomes the expression holds: its profile's, and whatever else it keeps (a function
+    // keeps its arguments').
+    [[nodiscard]] virtual std::size_t heldOutcomes() const noexcept {
+        return m_profile.evaluationCount();
+    }
 
   protected:
     // The kinds evolution tries after this one, in order.
     [[nodiscard]] virtual std::span<const ExpressionKind> descendants() const;
 
-    virtual void parseRawString() {}
-    virtual void parseRawStringWithExpressions(ExpressionDictionary& /*expressions*/) {
-        parseRawString();
-    }
-    virtual void makeProfile() {}
-    virtual void makeProfileWithExpressions(ExpressionDictionary& /*expressions*/) {
-        makeProfile();
-    }
+    // The construction steps. Both receive the request, through which every sub-expression is
+    // built and every combination charged.
+    virtual void parseRawString(RequestContext& /*context*/) {}
+    virtual void makeProfile(RequestContext& /*context*/) {}
 
     void setRawString(std::string rawString) { m_rawString = std::move(rawString); }
     [[nodiscard]] core::Profile& ownProfile() noexcept { return m_profile; }
     [[nodiscard]] const core::Profile& ownProfile() const noexcept { return m_profile; }
 
   private:
-    // The construction pipeline shared by every kind; `expressions` may be null.
+    // The construction pipeline shared by every kind.
     [[nodiscard]] static ExpressionPointer construct(ExpressionPointer blank, std::string_view text,
-                                                     ExpressionDictionary* expressions);
+                                                     RequestContext& context);
 
     std::string m_rawString;
     std::string m_titleRawString;

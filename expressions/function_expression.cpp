@@ -48,11 +48,11 @@ constexpr std::array<std::string_view, 35> kFunctionNames = {"ln",
                                                              "criterion",
                                                              "drop"};
 
-using FunctionKernel = Profile (*)(std::span<Profile> arguments);
+using FunctionKernel = Profile (*)(std::span<Profile> arguments, RequestContext& context);
 
 // "minval" and "maxval" are the range with only its first or its last outcome kept.
 template <bool kLast>
-Profile rangeEnd(std::span<Profile> arguments) {
+Profile rangeEnd(std::span<Profile> arguments, RequestContext& /*context*/) {
     Profile range = KVTXProfileIntegratedProfile(statisticRange, arguments);
     std::vector<core::Evaluation> ends = range.evaluations();
     if (ends.size() > 1) {
@@ -61,18 +61,19 @@ Profile rangeEnd(std::span<Profile> arguments) {
     return range;
 }
 
+// One pass over the argument's outcomes: nothing to charge beyond building the argument.
 template <core::FunctionKernel kFunction>
-Profile solo(std::span<Profile> arguments) {
+Profile solo(std::span<Profile> arguments, RequestContext& /*context*/) {
     return KVTXSoloCombinatorProfile(kFunction, arguments);
 }
 
 template <core::FunctionKernel kFunction>
-Profile chain(std::span<Profile> arguments) {
-    return KVTXChainCombinatorProfile(kFunction, arguments);
+Profile chain(std::span<Profile> arguments, RequestContext& context) {
+    return KVTXChainCombinatorProfile(kFunction, arguments, context);
 }
 
 template <ProfileStatistic kStatistic>
-Profile integrated(std::span<Profile> arguments) {
+Profile integrated(std::span<Profile> arguments, RequestContext& /*context*/) {
     return KVTXProfileIntegratedProfile(kStatistic, arguments);
 }
 
@@ -157,13 +158,7 @@ bool FunctionExpression::isExpressionString(std::string_view text) {
     return position == cleaned.size();
 }
 
-void FunctionExpression::parseRawString() {
-    ExpressionDictionary expressions;
-    parseRawStringWithExpressions(expressions);
-}
-
-void FunctionExpression::parseRawStringWithExpressions(ExpressionDictionary& expressions) {
-    Expression::parseRawString();
+void FunctionExpression::parseRawString(RequestContext& context) {
     const std::string& text = rawString();
     for (const std::string_view name : kFunctionNames) {
         if (text.find(name) == 0) {
@@ -175,7 +170,10 @@ void FunctionExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
     std::vector<Profile> arguments;
     std::vector<std::string> argumentStrings;
     const auto closeArgument = [&](std::string argument) {
-        arguments.push_back(expressionWithString(argument, expressions)->profile());
+        const ExpressionPointer built = expressionWithString(argument, context);
+        // The call keeps a copy of every argument besides the dictionary's.
+        context.reserveOutcomes(static_cast<double>(built->profileView().evaluationCount()));
+        arguments.push_back(built->profile());
         argumentStrings.push_back(std::move(argument));
     };
 
@@ -220,14 +218,22 @@ void FunctionExpression::parseRawStringWithExpressions(ExpressionDictionary& exp
     }
 }
 
-void FunctionExpression::makeProfile() {
+void FunctionExpression::makeProfile(RequestContext& context) {
     for (const Dispatch& entry : kDispatch) {
         if (entry.name == m_function) {
-            ownProfile() = entry.kernel(m_arguments);
+            ownProfile() = entry.kernel(m_arguments, context);
             return;
         }
     }
     ownProfile() = Profile{};
+}
+
+std::size_t FunctionExpression::heldOutcomes() const noexcept {
+    std::size_t held = Expression::heldOutcomes();
+    for (const Profile& argument : m_arguments) {
+        held += argument.evaluationCount();
+    }
+    return held;
 }
 
 }  // namespace talvex::language

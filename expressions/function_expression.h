@@ -34,13 +34,13 @@ class FunctionExpression : public Expression {
     [[nodiscard]] const std::vector<std::string>& argumentStrings() const noexcept {
         return m_argumentStrings;
     }
+    [[nodiscard]] std::size_t heldOutcomes() const noexcept override;
 
   protected:
     // A function adds no kinds of its own to try.
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
-    void parseRawString() override;
-    void parseRawStringWithExpressions(ExpressionDictionary& expressions) override;
-    void makeProfile() override;
+    void parseRawString(RequestContext& context) override;
+    void makeProfile(RequestContext& context) override;
 
   private:
     std::vector<core::Profile> m_arguments;

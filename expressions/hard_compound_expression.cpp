@@ -36,12 +36,7 @@ ExpressionPointer HardCompoundExpression::create() {
     return std::make_shared<HardCompoundExpression>();
 }
 
-void HardCompoundExpression::parseRawString() {
-    ExpressionDictionary expressions;
-    parseRawStringWithExpressions(expressions);
-}
-
-void HardCompoundExpression::parseRawStringWithExpressions(ExpressionDictionary& /*expressions*/) {
+void HardCompoundExpression::parseRawString(RequestContext& /*context*/) {
     const SubstitutionTable blanks{{" ", ""}, {"\n", ""}, {"\r", ""}, {"\t", ""}};
     const std::string_view body = withoutLabel(titleRawString());
     std::string text = defineStrings(blanks, body, body).target;
@@ -70,33 +65,27 @@ void HardCompoundExpression::parseRawStringWithExpressions(ExpressionDictionary&
     m_remainingExpressionString = "1/0";
 }
 
-void HardCompoundExpression::makeProfile() {
-    ExpressionDictionary expressions;
-    makeProfileWithExpressions(expressions);
-}
-
-void HardCompoundExpression::makeProfileWithExpressions(ExpressionDictionary& expressions) {
+void HardCompoundExpression::makeProfile(RequestContext& context) {
     const std::string& name = m_hardSymbol;
     const std::string& remaining = m_remainingExpressionString;
     if (name.empty() || remaining.find(name) == std::string::npos) {
-        ownProfile() = expressionWithString(remaining, expressions)->profile();
+        ownProfile() = expressionWithString(remaining, context)->profile();
         return;
     }
     // The value, seen through the definitions that come before the expression proper.
     const auto lastStatement = remaining.rfind(';');
-    const std::string context =
+    const std::string definitions =
         lastStatement == std::string::npos ? std::string() : remaining.substr(0, lastStatement + 1);
-    Profile values = expressionWithString(context + m_hardValue, expressions)->profile();
+    Profile values = expressionWithString(definitions + m_hardValue, context)->profile();
     values.scaleToNormal();
 
     // Defining the name as itself marks every use, once the other definitions are written out.
     std::string counting = name + "=" + name + ";" + remaining;
     std::replace(counting.begin(), counting.end(), '~', '=');
-    const std::string marked = expressionWithString(counting, expressions)->rawString();
+    const std::string marked = expressionWithString(counting, context)->rawString();
     if (occurrences(marked, "(" + name + ")") <= 1) {
         const Profile once =
-            expressionWithString(name + "=" + m_hardValue + ";" + remaining, expressions)
-                ->profile();
+            expressionWithString(name + "=" + m_hardValue + ";" + remaining, context)->profile();
         Profile result;
         result.setEvaluations(once.evaluations());
         ownProfile() = std::move(result);
@@ -107,7 +96,7 @@ void HardCompoundExpression::makeProfileWithExpressions(ExpressionDictionary& ex
     for (const Evaluation& outcome : values.evaluations()) {
         const std::string fixed = outcome.isDefined() ? outcome.quantity().stringValue() : "1/0";
         Profile part =
-            expressionWithString(name + "=" + fixed + ";" + remaining, expressions)->profile();
+            expressionWithString(name + "=" + fixed + ";" + remaining, context)->profile();
         part.scaleToTotalWeight(outcome.weight());
         result.addEvaluations(part.evaluations());
         comparator = part.comparatorString();

@@ -26,10 +26,8 @@ class HardCompoundExpression : public CompoundExpression {
 
   protected:
     [[nodiscard]] std::span<const ExpressionKind> descendants() const override { return {}; }
-    void parseRawString() override;
-    void parseRawStringWithExpressions(ExpressionDictionary& expressions) override;
-    void makeProfile() override;
-    void makeProfileWithExpressions(ExpressionDictionary& expressions) override;
+    void parseRawString(RequestContext& context) override;
+    void makeProfile(RequestContext& context) override;
 
   private:
     std::string m_hardSymbol;

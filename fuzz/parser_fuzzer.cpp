@@ -37,8 +37,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     try {
         talvex::language::ExpressionDictionary expressions;
-        const auto expression =
-            talvex::language::Expression::expressionWithString(text, expressions);
+        talvex::language::RequestContext context(expressions);
+        const auto expression = talvex::language::Expression::expressionWithString(text, context);
         // Even an empty profile reports one (undefined) outcome.
         if (expression->profile().evaluations().empty()) {
             __builtin_trap();

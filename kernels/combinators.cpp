@@ -21,12 +21,14 @@ Profile KVTXSoloCombinatorProfile(core::FunctionKernel function, std::span<Profi
     return result;
 }
 
-Profile KVTXChainCombinatorProfile(core::FunctionKernel function, std::span<Profile> arguments) {
+Profile KVTXChainCombinatorProfile(core::FunctionKernel function, std::span<Profile> arguments,
+                                   RequestContext& context) {
     if (arguments.empty()) {
         return Profile{};
     }
     Profile result = arguments.front().copy();
     for (std::size_t i = 1; i < arguments.size(); ++i) {
+        context.chargeCombination(result.evaluationCount(), arguments[i].evaluationCount());
         result.assimilateProfile(arguments[i], function);
     }
     return result;

@@ -28,7 +28,7 @@ DefinedOutcomes preparedArgument(Profile& argument, ConfineBy test) {
     return kernel_support::definedOutcomesOf(argument);
 }
 
-Profile confined(std::span<Profile> arguments, ConfineBy test) {
+Profile confined(std::span<Profile> arguments, ConfineBy test, RequestContext& context) {
     if (arguments.size() != 3) {
         return Profile{};
     }
@@ -43,7 +43,8 @@ Profile confined(std::span<Profile> arguments, ConfineBy test) {
     const DefinedOutcomes& low = prepared[1];
     const DefinedOutcomes& high = prepared[2];
     kernel_support::checkWork(
-        {prepared[0].quantities.size(), prepared[1].quantities.size(), high.quantities.size()});
+        {prepared[0].quantities.size(), prepared[1].quantities.size(), high.quantities.size()},
+        context);
 
     Profile result;
     // One scratch profile serves every pair of bounds.
@@ -89,16 +90,16 @@ Profile confined(std::span<Profile> arguments, ConfineBy test) {
 
 }  // namespace
 
-Profile KVTXConfineF(std::span<Profile> arguments) {
-    return confined(arguments, ConfineBy::Quantity);
+Profile KVTXConfineF(std::span<Profile> arguments, RequestContext& context) {
+    return confined(arguments, ConfineBy::Quantity, context);
 }
 
-Profile KVTXConfineWeightF(std::span<Profile> arguments) {
-    return confined(arguments, ConfineBy::Probability);
+Profile KVTXConfineWeightF(std::span<Profile> arguments, RequestContext& context) {
+    return confined(arguments, ConfineBy::Probability, context);
 }
 
-Profile KVTXConfineWeightRangeF(std::span<Profile> arguments) {
-    return confined(arguments, ConfineBy::CumulativeProbability);
+Profile KVTXConfineWeightRangeF(std::span<Profile> arguments, RequestContext& context) {
+    return confined(arguments, ConfineBy::CumulativeProbability, context);
 }
 
 }  // namespace talvex::language

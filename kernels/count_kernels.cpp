@@ -15,11 +15,11 @@ using kernel_support::constantProfile;
 using kernel_support::decimalFromDouble;
 using kernel_support::DefinedOutcomes;
 
-Profile KVTXCountF(std::span<Profile> arguments) {
+Profile KVTXCountF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 3) {
         return Profile{};
     }
-    const auto prepared = kernel_support::scaledBoundedArguments(arguments);
+    const auto prepared = kernel_support::scaledBoundedArguments(arguments, context);
     if (!prepared) {
         return Profile{};
     }
@@ -54,18 +54,18 @@ Profile KVTXCountF(std::span<Profile> arguments) {
     return result;
 }
 
-Profile KVTXCriterionF(std::span<Profile> arguments) {
+Profile KVTXCriterionF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 3) {
         return Profile{};
     }
     // One die of S sides, with S random.
     std::array<Profile, 2> dieArguments = {constantProfile(Decimal::one()), arguments[1]};
     // Its success indicator: 1 when the roll is between 1 and T.
-    std::array<Profile, 3> countArguments = {KVTXDieRF(dieArguments),
+    std::array<Profile, 3> countArguments = {KVTXDieRF(dieArguments, context),
                                              constantProfile(Decimal::one()), arguments[2]};
     // The sum of N independent indicators.
-    std::array<Profile, 2> sumArguments = {KVTXCountF(countArguments), arguments[0]};
-    Profile successes = KVTXDieMultF(sumArguments);
+    std::array<Profile, 2> sumArguments = {KVTXCountF(countArguments, context), arguments[0]};
+    Profile successes = KVTXDieMultF(sumArguments, context);
     // The kernels scale T and N in place, as they would the caller's own profiles.
     arguments[2] = std::move(countArguments[2]);
     arguments[0] = std::move(sumArguments[1]);

@@ -21,39 +21,6 @@ using kernel_support::constantProfile;
 
 namespace {
 
-// Combining pairs of outcomes over all the repeated rolls of one request. Each combination
-// also costs a copy and two normalisations, counted as this many pairs, so that a huge count
-// of a constant is refused as well.
-constexpr std::uint64_t kMaxRepeatedRollWork = core::kMaxOutcomePairs;
-constexpr std::uint64_t kCombinationOverhead = 16;
-
-// Counts the work of the repeated combinations and refuses to go beyond the limit.
-class RepeatedRollBudget {
-  public:
-    // Refuses at once when `combinations` alone would exceed the limit.
-    void reserve(std::int64_t combinations) {
-        if (combinations > 0) {
-            spend(static_cast<std::uint64_t>(combinations) * kCombinationOverhead, 0);
-        }
-    }
-    // Before combining profiles of `own` and `other` outcomes.
-    void charge(const Profile& own, const Profile& other) {
-        spend(kCombinationOverhead,
-              static_cast<std::uint64_t>(own.evaluations().size()) * other.evaluations().size());
-    }
-
-  private:
-    void spend(std::uint64_t overhead, std::uint64_t pairs) {
-        m_spent += overhead + pairs;
-        if (m_spent > kMaxRepeatedRollWork) {
-            throw core::CalculationTooLarge(
-                "repeating a roll that many times is too large to calculate");
-        }
-    }
-
-    std::uint64_t m_spent = 0;
-};
-
 // A count split into its whole part k (a 32-bit integer) and the fraction f = d - k.
 struct SplitCount {
     std::int32_t whole = 0;
@@ -67,27 +34,30 @@ SplitCount splitCount(const Decimal& count) {
 }
 
 // Combines `roll` into the accumulator, which already holds one roll, until it holds `whole`.
+// A count far beyond what the request can pay is refused before the first combination.
 void combineRepeatedly(Profile& accumulator, const Profile& roll, std::int32_t whole,
-                       core::FunctionKernel kernel, RepeatedRollBudget& budget) {
-    budget.reserve(static_cast<std::int64_t>(whole) - 1);
+                       core::FunctionKernel kernel, RequestContext& context) {
+    context.refuseBeyondRemaining((static_cast<double>(whole) - 1) *
+                                  static_cast<double>(kCombinationOverhead));
     for (std::int32_t i = 1; i < whole; ++i) {
-        budget.charge(accumulator, roll);
+        context.chargeCombination(accumulator.evaluationCount(), roll.evaluationCount());
         accumulator.assimilateProfile(roll, kernel);
     }
 }
 
 }  // namespace
 
-Profile KVTXDieF(std::span<Profile> arguments) {
+Profile KVTXDieF(std::span<Profile> arguments, RequestContext& context) {
     Profile result;
     for (Profile& argument : arguments) {
+        context.chargeCombination(argument.evaluationCount(), 1);
         argument.scaleToNormal();
         result.addProfile(argument);
     }
     return result;
 }
 
-Profile KVTXDieWF(std::span<Profile> arguments) {
+Profile KVTXDieWF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() % 2 != 0) {
         return Profile{};
     }
@@ -99,26 +69,28 @@ Profile KVTXDieWF(std::span<Profile> arguments) {
         }
         if (mean.compare(Decimal::zero()) > 0) {
             arguments[i].scaleToTotalWeight(mean);
+            context.chargeCombination(arguments[i].evaluationCount(), 1);
             result.addProfile(arguments[i]);
         }
     }
     return result;
 }
 
-Profile KVTXDieRF(std::span<Profile> arguments) {
+Profile KVTXDieRF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 2) {
         return Profile{};
     }
     // The same bound as dice letters used as operators: "dier(1d100,1d100)" is "(1d100)d(1d100)".
-    checkDiceExpansionWork(arguments[0].evaluations(), arguments[1].evaluations(), 'd');
+    checkDiceExpansionWork(arguments[0].evaluations(), arguments[1].evaluations(), 'd', context);
     Profile result = arguments[0].copy();
+    context.chargeCombination(result.evaluationCount(), arguments[1].evaluationCount());
     // Equal dice texts recur for every pair that rounds alike; each is built once.
-    DiceRelationCache cache;
+    DiceRelationCache cache(context);
     result.assimilateProfile(arguments[1], cachedDiceRelation('d', cache));
     return result;
 }
 
-Profile KVTXDieMultF(std::span<Profile> arguments) {
+Profile KVTXDieMultF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 2) {
         return Profile{};
     }
@@ -127,7 +99,6 @@ Profile KVTXDieMultF(std::span<Profile> arguments) {
     counts.scaleToNormal();
 
     Profile result;
-    RepeatedRollBudget budget;
     Profile x = roll.copy();
     for (const Evaluation& count : counts.evaluations()) {
         const Decimal& weight = count.weight();
@@ -152,11 +123,11 @@ Profile KVTXDieMultF(std::span<Profile> arguments) {
         // 0 and 1 sums like one between 1 and 2.
         Profile sum = x.copy();
         const SplitCount split = splitCount(n);
-        combineRepeatedly(sum, x, split.whole, CompoundExpressionAdditionF, budget);
+        combineRepeatedly(sum, x, split.whole, CompoundExpressionAdditionF, context);
         if (split.fraction > 0) {
             x.scaleQuantities(kernel_support::decimalFromDouble(split.fraction));
             changed = true;
-            budget.charge(sum, x);
+            context.chargeCombination(sum.evaluationCount(), x.evaluationCount());
             sum.assimilateProfile(x, CompoundExpressionAdditionF);
         }
         sum.scaleToTotalWeight(weight);
@@ -168,7 +139,7 @@ Profile KVTXDieMultF(std::span<Profile> arguments) {
     return result;
 }
 
-Profile KVTXDiePowF(std::span<Profile> arguments) {
+Profile KVTXDiePowF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 2) {
         return Profile{};
     }
@@ -177,7 +148,6 @@ Profile KVTXDiePowF(std::span<Profile> arguments) {
     counts.scaleToNormal();
 
     Profile result;
-    RepeatedRollBudget budget;
     for (const Evaluation& count : counts.evaluations()) {
         const Decimal& weight = count.weight();
         if (!count.isDefined()) {
@@ -193,17 +163,18 @@ Profile KVTXDiePowF(std::span<Profile> arguments) {
         Profile product = x.copy();
         const SplitCount split =
             splitCount(count.quantity().absoluteValueChanged(nullptr, nullptr));
-        combineRepeatedly(product, x, split.whole, CompoundExpressionMultiplicationF, budget);
+        combineRepeatedly(product, x, split.whole, CompoundExpressionMultiplicationF, context);
         if (split.fraction > 0) {
             Profile root = x.copy();
             root.assimilateProfile(
                 constantProfile(kernel_support::decimalFromDouble(split.fraction)),
                 CompoundExpressionPowerF);
-            budget.charge(product, root);
+            context.chargeCombination(product.evaluationCount(), root.evaluationCount());
             product.assimilateProfile(root, CompoundExpressionMultiplicationF);
         }
         if (count.quantity().isNegative()) {
             Profile reciprocal = constantProfile(Decimal::one());
+            context.chargeCombination(1, product.evaluationCount());
             reciprocal.assimilateProfile(product, CompoundExpressionDivisionF);
             product = std::move(reciprocal);
         }

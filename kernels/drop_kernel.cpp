@@ -30,8 +30,6 @@ using core::Profile;
 
 namespace {
 
-// Multiply-adds of weights in one drop request; every step of the count walks at least one.
-constexpr std::uint64_t kMaxDropWork = core::kMaxOutcomePairs;
 // States held at once: (dice placed, kept sum) pairs.
 constexpr std::uint64_t kMaxDropStates = 4'000'000;
 // Whole numbers stay exact in 38 digits below this power of ten.
@@ -45,30 +43,25 @@ constexpr std::int64_t kMaxGridOffset = 1'000'000'000'000'000;
                                     " rolls is too large to calculate");
 }
 
-// Work of one count (its own bound) and of the whole call (a random count can ask for many
-// counts, each within its bound on its own).
+// The multiply-adds of weights of one count, charged to the request. Each step of the count
+// walks at least one; they are charged in batches, so that the inner loops stay free of it.
 class DropBudget {
   public:
-    DropBudget(std::int64_t rolls, std::uint64_t* sharedWork)
-        : m_rolls(rolls), m_shared(sharedWork) {}
+    explicit DropBudget(RequestContext& context) noexcept : m_context(context) {}
+    DropBudget(const DropBudget&) = delete;
+    DropBudget& operator=(const DropBudget&) = delete;
+
     void spend(std::uint64_t work) {
-        m_spent += work;
-        if (m_spent > kMaxDropWork) {
-            refuse(m_rolls);
-        }
-        if (m_shared != nullptr) {
-            *m_shared += work;
-            if (*m_shared > kMaxDropWork) {
-                throw core::CalculationTooLarge(
-                    "drop with these random counts is too large to calculate");
-            }
+        m_pending += work;
+        if (m_pending >= kBatch) {
+            m_context.charge(std::exchange(m_pending, 0));
         }
     }
 
   private:
-    std::int64_t m_rolls;
-    std::uint64_t m_spent = 0;
-    std::uint64_t* m_shared;
+    static constexpr std::uint64_t kBatch = 4096;
+    RequestContext& m_context;
+    std::uint64_t m_pending = 0;
 };
 
 // One defined face: its value, its offset on the grid of steps (grid counting only) and its
@@ -170,8 +163,8 @@ std::int64_t keptPlaces(std::int64_t first, std::int64_t count, std::int64_t low
 // the binomial chance of t among r, given that none of them shows a lower face.
 template <class Sums>
 Sums countKeptSums(const std::vector<Face>& faces, std::int64_t rolls, std::int64_t low,
-                   std::int64_t high, Arithmetic arithmetic, std::uint64_t* sharedWork) {
-    DropBudget budget(rolls, sharedWork);
+                   std::int64_t high, Arithmetic arithmetic, RequestContext& context) {
+    DropBudget budget(context);
     const auto places = static_cast<std::size_t>(rolls) + 1;
     std::vector<Sums> placed(places);
     placed[0].add(typename Sums::Key{}, Decimal::one());
@@ -284,7 +277,7 @@ bool allWhole(const std::vector<Evaluation>& faces) {
 
 std::vector<Evaluation> KVDropHelper(const std::vector<Evaluation>& faces, std::int64_t rolls,
                                      std::int64_t dropLowest, std::int64_t dropHighest,
-                                     std::uint64_t* sharedWork) {
+                                     RequestContext& context) {
     rolls = std::max<std::int64_t>(rolls, 0);
     dropLowest = std::clamp<std::int64_t>(dropLowest, 0, rolls);
     dropHighest = std::clamp<std::int64_t>(dropHighest, 0, rolls);
@@ -342,9 +335,7 @@ std::vector<Evaluation> KVDropHelper(const std::vector<Evaluation>& faces, std::
     const double steps =
         2 * rows +
         static_cast<double>(std::max<std::size_t>(defined.size(), 2) - 2) * rows * (rows + 1) / 2;
-    if (steps > static_cast<double>(kMaxDropWork)) {
-        refuse(rolls);
-    }
+    context.refuseBeyondRemaining(steps);
 
     // A sum that some roll reaches but whose chance fell below 38-digit arithmetic is refused
     // like any other value too small to hold.
@@ -358,12 +349,12 @@ std::vector<Evaluation> KVDropHelper(const std::vector<Evaluation>& faces, std::
     const std::int64_t keptEnd = rolls - dropHighest;
     if (const std::optional<Decimal> step = placeOnGrid(defined, keptDice, rolls)) {
         const Decimal lowest = Decimal::decimalNumberWithInteger(keptDice) * defined.front().value;
-        countKeptSums<GridSums>(defined, rolls, dropLowest, keptEnd, arithmetic, sharedWork)
+        countKeptSums<GridSums>(defined, rolls, dropLowest, keptEnd, arithmetic, context)
             .forEach([&](std::int64_t offset, const Decimal& weight) {
                 add(lowest + Decimal::decimalNumberWithInteger(offset) * *step, weight);
             });
     } else {
-        countKeptSums<DecimalSums>(defined, rolls, dropLowest, keptEnd, arithmetic, sharedWork)
+        countKeptSums<DecimalSums>(defined, rolls, dropLowest, keptEnd, arithmetic, context)
             .forEach([&](const Decimal& sum, const Decimal& weight) { add(sum, weight); });
     }
     return result;
@@ -393,7 +384,7 @@ Counts wholeCounts(const Profile& counts) {
 
 }  // namespace
 
-Profile KVTXDropF(std::span<Profile> arguments) {
+Profile KVTXDropF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 4) {
         return Profile{};
     }
@@ -415,16 +406,10 @@ Profile KVTXDropF(std::span<Profile> arguments) {
     }
 
     std::map<std::tuple<std::int64_t, std::int64_t, std::int64_t>, std::vector<Evaluation>> sums;
-    std::uint64_t callWork = 0;
     std::vector<Evaluation> mixture;
     Decimal undefinedWeight = Decimal::zero();
-    // Every combination of the counts is one mixture entry; their number is bounded first.
-    if (static_cast<double>(rolls.size()) * static_cast<double>(lowest.size()) *
-            static_cast<double>(highest.size()) >
-        static_cast<double>(core::kMaxOutcomePairs) / 100) {
-        throw core::CalculationTooLarge(
-            "drop with this many different counts is too large to calculate");
-    }
+    // Every combination of the counts is one mixture entry, each one at least a combination.
+    context.chargeCombination(rolls.size() * lowest.size(), highest.size());
     for (const auto& [n, rollsWeight] : rolls) {
         for (const auto& [l, lowestWeight] : lowest) {
             for (const auto& [h, highestWeight] : highest) {
@@ -441,7 +426,7 @@ Profile KVTXDropF(std::span<Profile> arguments) {
                 if (found == sums.end()) {
                     found =
                         sums.emplace(key, KVDropHelper(faces, std::get<0>(key), std::get<1>(key),
-                                                       std::get<2>(key), &callWork))
+                                                       std::get<2>(key), context))
                             .first;
                 }
                 for (const Evaluation& sum : found->second) {

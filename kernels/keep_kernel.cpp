@@ -14,13 +14,13 @@ using core::Profile;
 using kernel_support::decimalFromDouble;
 using kernel_support::DefinedOutcomes;
 
-Profile KVTXKeepF(std::span<Profile> arguments) {
+Profile KVTXKeepF(std::span<Profile> arguments, RequestContext& context) {
     if (arguments.size() != 4) {
         return Profile{};
     }
     // Each argument is checked and scaled in turn; the first wholly undefined one ends the call.
     // X, low and high count as independent for the chance that any of them is undefined.
-    const auto prepared = kernel_support::scaledBoundedArguments(arguments);
+    const auto prepared = kernel_support::scaledBoundedArguments(arguments, context);
     if (!prepared) {
         return Profile{};
     }
@@ -35,7 +35,8 @@ Profile KVTXKeepF(std::span<Profile> arguments) {
     replacement.scaleToNormal();
     const std::vector<Evaluation> replacements = replacement.evaluations();
     kernel_support::checkWork(
-        {replacements.size(), x.quantities.size(), low.quantities.size(), high.quantities.size()});
+        {replacements.size(), x.quantities.size(), low.quantities.size(), high.quantities.size()},
+        context);
 
     Profile result = prepared->undefinedPart();
     // The walk carries its weights as doubles so that the innermost loop does no Decimal

@@ -51,7 +51,8 @@ DefinedOutcomes scaledToOneFoldingUndefined(Profile& argument, double& undefined
     return definedOutcomesOf(argument);
 }
 
-std::optional<BoundedArguments> scaledBoundedArguments(std::span<Profile> arguments) {
+std::optional<BoundedArguments> scaledBoundedArguments(std::span<Profile> arguments,
+                                                       RequestContext& context) {
     BoundedArguments prepared;
     const std::array<DefinedOutcomes*, 3> targets = {&prepared.x, &prepared.low, &prepared.high};
     for (std::size_t i = 0; i < targets.size(); ++i) {
@@ -61,20 +62,18 @@ std::optional<BoundedArguments> scaledBoundedArguments(std::span<Profile> argume
         *targets[i] = scaledToOneFoldingUndefined(arguments[i], prepared.undefinedChance);
     }
     checkWork({prepared.x.quantities.size(), prepared.low.quantities.size(),
-               prepared.high.quantities.size()});
+               prepared.high.quantities.size()},
+              context);
     return prepared;
 }
 
-void checkWork(std::initializer_list<std::size_t> sizes) {
+void checkWork(std::initializer_list<std::size_t> sizes, RequestContext& context) {
     // Every combination of the arguments' outcomes is visited once.
     double combinations = 1;
     for (const std::size_t size : sizes) {
         combinations *= static_cast<double>(size);
     }
-    if (combinations > static_cast<double>(core::kMaxOutcomePairs)) {
-        throw core::CalculationTooLarge(
-            "a function whose arguments have this many outcomes is too large to calculate");
-    }
+    context.charge(combinations);
 }
 
 Profile BoundedArguments::undefinedPart() const {

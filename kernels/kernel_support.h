@@ -12,6 +12,7 @@
 #include "core/decimal.h"
 #include "core/evaluation.h"
 #include "core/profile.h"
+#include "expressions/request_context.h"
 
 namespace talvex::language::kernel_support {
 
@@ -57,13 +58,13 @@ struct BoundedArguments {
     [[nodiscard]] core::Profile undefinedPart() const;
 };
 
-// Refuses a call that would visit more combinations of the arguments' outcomes (the product
-// of `sizes`) than one combination of two profiles may.
-void checkWork(std::initializer_list<std::size_t> sizes);
+// Charges the request for a call that visits every combination of the arguments' outcomes (the
+// product of `sizes`), before it visits any.
+void checkWork(std::initializer_list<std::size_t> sizes, RequestContext& context);
 
-// Nothing as soon as one of the three has no defined outcome. Refuses, as checkWork, three
-// arguments with too many combinations of outcomes.
+// Nothing as soon as one of the three has no defined outcome. Charges, as checkWork, for every
+// combination of the three arguments' outcomes.
 [[nodiscard]] std::optional<BoundedArguments> scaledBoundedArguments(
-    std::span<core::Profile> arguments);
+    std::span<core::Profile> arguments, RequestContext& context);
 
 }  // namespace talvex::language::kernel_support

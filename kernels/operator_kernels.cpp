@@ -77,10 +77,10 @@ std::vector<Evaluation> undefinedOutcome() {
     return {Evaluation{Decimal::notANumber(), Decimal::one()}};
 }
 
-// Building a dice text without a dictionary: its distribution scaled to weight one. An empty
-// profile reports one undefined outcome, which is then of weight one too.
-std::vector<Evaluation> buildDiceText(const std::string& text) {
-    core::Profile profile = Expression::expressionWithString(text)->profile();
+// Building a dice text in the request: its distribution scaled to weight one. An empty profile
+// reports one undefined outcome, which is then of weight one too.
+std::vector<Evaluation> buildDiceText(const std::string& text, RequestContext& context) {
+    core::Profile profile = Expression::expressionWithString(text, context)->profile();
     profile.scaleToTotalWeight(Decimal::one());
     return profile.evaluations();
 }
@@ -89,7 +89,10 @@ std::vector<Evaluation> diceRelation(char letter, const Decimal& a, const Decima
     if (eitherUndefined(a, b)) {
         return undefinedOutcome();
     }
-    return buildDiceText(diceRelationText(letter, a, b));
+    // A relation kernel alone is a request of its own.
+    ExpressionDictionary expressions;
+    RequestContext context(expressions);
+    return buildDiceText(diceRelationText(letter, a, b), context);
 }
 
 }  // namespace
@@ -311,7 +314,7 @@ const std::vector<Evaluation>& DiceRelationCache::evaluations(const std::string&
     if (const auto found = m_entries.find(diceText); found != m_entries.end()) {
         return found->second;
     }
-    return m_entries.emplace(diceText, buildDiceText(diceText)).first->second;
+    return m_entries.emplace(diceText, buildDiceText(diceText, m_context)).first->second;
 }
 
 core::RelationKernel cachedDiceRelation(char letter, DiceRelationCache& cache) {

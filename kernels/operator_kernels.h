@@ -9,6 +9,7 @@
 #include "core/decimal.h"
 #include "core/evaluation.h"
 #include "core/profile.h"
+#include "expressions/request_context.h"
 
 namespace talvex::language {
 
@@ -91,16 +92,19 @@ namespace talvex::language {
 [[nodiscard]] std::string diceRelationText(char letter, const core::Decimal& a,
                                            const core::Decimal& b);
 
-// What the dice relation kernels built during one request, by dice text. Building a dice text
-// without a dictionary always gives the same distribution, so a repeated text is answered from
-// here instead of being built again. Owned by whoever starts the assimilation.
+// What the dice relation kernels built during one request, by dice text, each built in that
+// request. A repeated text is answered from here, already scaled, instead of being looked up and
+// scaled again. Owned by whoever starts the assimilation.
 class DiceRelationCache {
   public:
+    explicit DiceRelationCache(RequestContext& context) noexcept : m_context(context) {}
+
     // The distribution of `diceText`, scaled to weight one, built on first use.
     [[nodiscard]] const std::vector<core::Evaluation>& evaluations(const std::string& diceText);
     [[nodiscard]] std::size_t size() const noexcept { return m_entries.size(); }
 
   private:
+    RequestContext& m_context;
     std::unordered_map<std::string, std::vector<core::Evaluation>> m_entries;
 };
 

@@ -247,7 +247,7 @@ TEST(CliCompound, TooDeepANestingIsReportedPlainly) {
 TEST(CliCompound, HugeRandomDiceAreReportedPlainly) {
     const CliRun errors = run({"(1d6)d1000000"}, "", true);
     EXPECT_EQ(errors.status, 3);
-    EXPECT_NE(errors.out.find("too much to calculate"), std::string::npos);
+    EXPECT_NE(errors.out.find("too large to calculate"), std::string::npos);
 }
 
 TEST(CliFunction, BetterOfTwoDiceShowsSixWithElevenIn36) {

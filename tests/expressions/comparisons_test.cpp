@@ -8,6 +8,7 @@
 #include <random>
 
 #include "expressions/expression.h"
+#include "expressions/test_support.h"
 
 namespace talvex::language {
 namespace {
@@ -146,8 +147,9 @@ TEST(Comparisons, TiesOfTheFirstEntry) {
 
 TEST(Comparisons, UnknownKeywordGivesNothing) {
     std::vector<Profile> operands = {die(6), die(6)};
-    EXPECT_FALSE(comparisonProfileForKeyword("xx", operands).isDefined());
-    EXPECT_FALSE(comparisonProfileForKeyword("", operands).isDefined());
+    testing::StandaloneRequest request;
+    EXPECT_FALSE(comparisonProfileForKeyword("xx", operands, request.context).isDefined());
+    EXPECT_FALSE(comparisonProfileForKeyword("", operands, request.context).isDefined());
 }
 
 // ---- Against a brute-force enumeration of every combination of outcomes ---------------------
@@ -262,7 +264,8 @@ TEST_P(ComparisonAgainstBruteForce, AgreesForRandomSmallOperands) {
         }
         const bool someOperandUndefinedOnly = std::any_of(
             profiles.begin(), profiles.end(), [](const Profile& p) { return !p.isDefined(); });
-        const Profile result = comparisonProfileForKeyword(keyword, profiles);
+        testing::StandaloneRequest request;
+        const Profile result = comparisonProfileForKeyword(keyword, profiles, request.context);
         if (someOperandUndefinedOnly) {
             EXPECT_FALSE(result.isDefined()) << keyword;
             continue;
@@ -303,7 +306,8 @@ class TypedComparison : public ::testing::TestWithParam<TypedCase> {};
 
 TEST_P(TypedComparison, GivesTheExpectedCodes) {
     ExpressionDictionary expressions;
-    const auto expression = Expression::expressionWithString(GetParam().text, expressions);
+    RequestContext context(expressions);
+    const auto expression = Expression::expressionWithString(GetParam().text, context);
     const auto actual = probabilities(expression->profile());
     ASSERT_EQ(actual.size(), GetParam().expected.size()) << GetParam().text;
     for (const auto& [code, fraction] : GetParam().expected) {
@@ -334,16 +338,17 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(TypedComparison, TheComparatorIsCarriedIntoTheProfile) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     EXPECT_EQ(
-        Expression::expressionWithString("3d6 vs 2d10", expressions)->profile().comparatorString(),
+        Expression::expressionWithString("3d6 vs 2d10", context)->profile().comparatorString(),
         "vs");
-    EXPECT_EQ(Expression::expressionWithString("3d6+2", expressions)->profile().comparatorString(),
-              "");
+    EXPECT_EQ(Expression::expressionWithString("3d6+2", context)->profile().comparatorString(), "");
 }
 
 TEST(TypedComparison, TwoDifferentComparatorsAtOneLevelAreUndefined) {
     ExpressionDictionary expressions;
-    const auto profile = Expression::expressionWithString("1d6vs1d6vt1d6", expressions)->profile();
+    RequestContext context(expressions);
+    const auto profile = Expression::expressionWithString("1d6vs1d6vt1d6", context)->profile();
     ASSERT_EQ(profile.evaluations().size(), 1U);
     EXPECT_TRUE(profile.evaluations().front().quantity().isNotANumber());
 }

@@ -7,6 +7,7 @@
 
 #include "expressions/compound_expression.h"
 #include "expressions/exact_distribution.h"
+#include "expressions/test_support.h"
 #include "kernels/operator_kernels.h"
 
 namespace talvex::language {
@@ -31,15 +32,15 @@ Profile profileOf(std::initializer_list<std::pair<const char*, long long>> outco
     return profile;
 }
 
-std::shared_ptr<CompoundExpression> compound(const std::string& text,
-                                             ExpressionDictionary& expressions) {
+std::shared_ptr<CompoundExpression> compound(const std::string& text, RequestContext& context) {
     return std::dynamic_pointer_cast<CompoundExpression>(
-        Expression::expressionWithString(text, expressions));
+        Expression::expressionWithString(text, context));
 }
 
 Profile profileOf(const std::string& text) {
     ExpressionDictionary expressions;
-    return Expression::expressionWithString(text, expressions)->profile();
+    RequestContext context(expressions);
+    return Expression::expressionWithString(text, context)->profile();
 }
 
 // Any compound expression will do for combining profiles with its operators.
@@ -91,7 +92,13 @@ Profile comparedAtOnce(std::string_view comparator, std::initializer_list<const 
         operands.back().scaleToNormal();
     }
     roundComparisonOperands(operands);
-    return comparisonProfile(comparator, operands);
+    testing::StandaloneRequest request;
+    return comparisonProfile(comparator, operands, request.context);
+}
+
+Profile combined(const CompoundExpression& any, std::vector<Profile> profiles, char op) {
+    testing::StandaloneRequest request;
+    return any.combineProfiles(std::move(profiles), op, request.context);
 }
 
 ::testing::AssertionResult sameOutcomes(const Profile& actual, const Profile& expected) {
@@ -114,7 +121,8 @@ Profile comparedAtOnce(std::string_view comparator, std::initializer_list<const 
 
 TEST(CompoundEvaluation, ComparatorsTakeAllTheirOperandsAtOnce) {
     ExpressionDictionary expressions;
-    const auto two = compound("1d6vs1d6", expressions);
+    RequestContext context(expressions);
+    const auto two = compound("1d6vs1d6", context);
     ASSERT_NE(two, nullptr);
     EXPECT_EQ(two->comparator(), "vs");
     // After the dice letters only the comparator marks are left, joining two, resp. three,
@@ -122,23 +130,24 @@ TEST(CompoundEvaluation, ComparatorsTakeAllTheirOperandsAtOnce) {
     EXPECT_EQ(std::string(two->subOperators().begin(), two->subOperators().end()), "d%d");
     EXPECT_TRUE(sameOutcomes(two->profile(), comparedAtOnce("vs", {"1d6", "1d6"})));
     EXPECT_EQ(two->profile().comparatorString(), "vs");
-    const auto three = compound("1d6 vs 1d6 vs 1d6", expressions);
+    const auto three = compound("1d6 vs 1d6 vs 1d6", context);
     ASSERT_NE(three, nullptr);
     EXPECT_EQ(std::string(three->subOperators().begin(), three->subOperators().end()), "d%d%d");
     EXPECT_TRUE(sameOutcomes(three->profile(), comparedAtOnce("vs", {"1d6", "1d6", "1d6"})));
     // Not the first two compared and the outcome compared with the third.
     std::vector<Profile> firstTwo{comparedAtOnce("vs", {"1d6", "1d6"}), profileOf("1d6")};
-    EXPECT_FALSE(sameOutcomes(three->profile(), comparisonProfile("vs", firstTwo)));
+    EXPECT_FALSE(sameOutcomes(three->profile(), comparisonProfile("vs", firstTwo, context)));
 }
 
 TEST(CompoundEvaluation, ComparatorsCompareAtTenDecimals) {
     // Apart only in the eleventh decimal: a tie once rounded.
     ExpressionDictionary expressions;
-    const auto close = compound("1.00000000001vt1", expressions);
+    RequestContext context(expressions);
+    const auto close = compound("1.00000000001vt1", context);
     ASSERT_NE(close, nullptr);
     EXPECT_TRUE(sameOutcomes(close->profile(), comparedAtOnce("vt", {"1.00000000001", "1"})));
     EXPECT_TRUE(sameOutcomes(close->profile(), comparedAtOnce("vt", {"1", "1"})));
-    const auto apart = compound("1.0000000001vt1", expressions);
+    const auto apart = compound("1.0000000001vt1", context);
     EXPECT_FALSE(sameOutcomes(apart->profile(), close->profile()));
 }
 
@@ -191,7 +200,8 @@ TEST(CompoundEvaluation, LevelsGoFromTheDiceLettersDownToSums) {
 
 TEST(CompoundEvaluation, TheProfileIsTitledWithTheRewrittenText) {
     ExpressionDictionary expressions;
-    const auto expression = Expression::expressionWithString("x=2; x + 1", expressions);
+    RequestContext context(expressions);
+    const auto expression = Expression::expressionWithString("x=2; x + 1", context);
     EXPECT_EQ(expression->rawString(), "(2)+1");
     EXPECT_EQ(expression->profile().titleString(), "(2)+1");
     EXPECT_EQ(expression->profile().comparatorString(), "");
@@ -202,38 +212,40 @@ TEST(CompoundEvaluation, TheProfileIsTitledWithTheRewrittenText) {
 TEST(CombineProfiles, FewerThanTwoProfilesOrNoOperatorGiveAnEmptyProfile) {
     const auto any = anyCompound();
     ASSERT_NE(any, nullptr);
-    EXPECT_TRUE(testing::isEmptyProfile(any->combineProfiles({}, '+')));
-    EXPECT_TRUE(testing::isEmptyProfile(any->combineProfiles({profileOf({{"1", 1}})}, '+')));
+    EXPECT_TRUE(testing::isEmptyProfile(combined(*any, {}, '+')));
+    EXPECT_TRUE(testing::isEmptyProfile(combined(*any, {profileOf({{"1", 1}})}, '+')));
     EXPECT_TRUE(testing::isEmptyProfile(
-        any->combineProfiles({profileOf({{"1", 1}}), profileOf({{"2", 1}})}, '\0')));
+        combined(*any, {profileOf({{"1", 1}}), profileOf({{"2", 1}})}, '\0')));
 }
 
 TEST(CombineProfiles, NormalisesEveryProfileAndFoldsFromTheLeft) {
     const auto any = anyCompound();
-    const Profile sum = any->combineProfiles(
-        {profileOf({{"1", 2}, {"2", 2}}), profileOf({{"10", 5}}), profileOf({{"100", 7}})}, '+');
+    const Profile sum = combined(
+        *any, {profileOf({{"1", 2}, {"2", 2}}), profileOf({{"10", 5}}), profileOf({{"100", 7}})},
+        '+');
     Distribution expected;
     expected[Rational(111)] = Rational(1, 2);
     expected[Rational(112)] = Rational(1, 2);
     EXPECT_TRUE(matchesDistribution(sum, expected));
     EXPECT_LT(std::fabs(sum.totalWeight().doubleValue() - 1.0), 1e-30);
-    const Profile quotient = any->combineProfiles(
-        {profileOf({{"8", 1}}), profileOf({{"2", 1}}), profileOf({{"2", 1}})}, '/');
+    const Profile quotient =
+        combined(*any, {profileOf({{"8", 1}}), profileOf({{"2", 1}}), profileOf({{"2", 1}})}, '/');
     EXPECT_TRUE(matchesDistribution(quotient, value(2)));
 }
 
 TEST(CombineProfiles, AnUnknownOperatorMakesEveryOutcomeUndefined) {
     const auto any = anyCompound();
     const Profile result =
-        any->combineProfiles({profileOf({{"1", 1}, {"2", 3}}), profileOf({{"5", 1}})}, 'x');
+        combined(*any, {profileOf({{"1", 1}, {"2", 3}}), profileOf({{"5", 1}})}, 'x');
     EXPECT_TRUE(matchesDistribution(result, testing::undefinedOutcome()));
 }
 
 TEST(CombineProfiles, DiceLettersReexpandEveryPairThroughTheDictionary) {
     ExpressionDictionary expressions;
-    const auto any = compound("1+1", expressions);
+    RequestContext context(expressions);
+    const auto any = compound("1+1", context);
     const Profile result = any->combineProfiles(
-        {profileOf({{"1", 1}, {"-2", 1}}), profileOf({{"4", 1}})}, 'd', expressions);
+        {profileOf({{"1", 1}, {"-2", 1}}), profileOf({{"4", 1}})}, 'd', context);
     Distribution counts;
     counts[Rational(1)] = Rational(1, 2);
     counts[Rational(-2)] = Rational(1, 2);
@@ -244,10 +256,11 @@ TEST(CombineProfiles, DiceLettersReexpandEveryPairThroughTheDictionary) {
 
 TEST(CombineProfiles, ReexpansionKeepsUndefinedPairsWithTheirWeight) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     Profile counts = profileOf({{"2", 3}});
     counts.addQuantity(Decimal::notANumber(), Decimal::one());
     counts.scaleToNormal();
-    const Profile result = diceReexpansion(counts, profileOf({{"2", 1}}), 'd', expressions);
+    const Profile result = diceReexpansion(counts, profileOf({{"2", 1}}), 'd', context);
     Distribution expected;
     expected[std::nullopt] = Rational(1, 4);
     for (const auto& [outcome, chance] : d(2, 2)) {
@@ -258,20 +271,22 @@ TEST(CombineProfiles, ReexpansionKeepsUndefinedPairsWithTheirWeight) {
 
 TEST(CombineProfiles, ReexpansionWithAnEmptySideIsEmpty) {
     ExpressionDictionary expressions;
-    EXPECT_TRUE(testing::isEmptyProfile(
-        diceReexpansion(Profile{}, profileOf({{"6", 1}}), 'd', expressions)));
-    EXPECT_TRUE(testing::isEmptyProfile(
-        diceReexpansion(profileOf({{"2", 1}}), Profile{}, 'd', expressions)));
+    RequestContext context(expressions);
+    EXPECT_TRUE(
+        testing::isEmptyProfile(diceReexpansion(Profile{}, profileOf({{"6", 1}}), 'd', context)));
+    EXPECT_TRUE(
+        testing::isEmptyProfile(diceReexpansion(profileOf({{"2", 1}}), Profile{}, 'd', context)));
 }
 
 TEST(CombineProfiles, ReexpansionBuildsEachDiceTextOnce) {
     ExpressionDictionary expressions;
-    static_cast<void>(Expression::expressionWithString("(1d4)d6", expressions));
+    RequestContext context(expressions);
+    static_cast<void>(Expression::expressionWithString("(1d4)d6", context));
     for (const char* text : {"1d6", "2d6", "3d6", "4d6"}) {
         EXPECT_TRUE(expressions.contains(text)) << text;
     }
     const auto fourDice = expressions.at("4d6");
-    static_cast<void>(Expression::expressionWithString("(2d2)d6", expressions));
+    static_cast<void>(Expression::expressionWithString("(2d2)d6", context));
     EXPECT_EQ(expressions.at("4d6").get(), fourDice.get());
 }
 

@@ -33,7 +33,8 @@ std::string nested(std::size_t depth, const std::string& opening, const std::str
 std::string tooLargeMessage(const std::string& text) {
     try {
         ExpressionDictionary expressions;
-        static_cast<void>(Expression::expressionWithString(text, expressions));
+        RequestContext context(expressions);
+        static_cast<void>(Expression::expressionWithString(text, context));
     } catch (const core::CalculationTooLarge& error) {
         return error.what();
     }
@@ -44,7 +45,8 @@ std::string tooLargeMessage(const std::string& text) {
 std::string onlyOutcomeWithinBound(const std::string& text) {
     const auto start = Clock::now();
     ExpressionDictionary expressions;
-    const auto list = Expression::expressionWithString(text, expressions)->profile().evaluations();
+    RequestContext context(expressions);
+    const auto list = Expression::expressionWithString(text, context)->profile().evaluations();
     EXPECT_LT(Clock::now() - start, kBounded);
     return list.size() == 1 ? list.front().quantity().stringValue() : "";
 }
@@ -59,8 +61,9 @@ TEST(CompoundLimits, TenThousandNestedParenthesesAreRefusedPlainly) {
 TEST(CompoundLimits, NestingUpToTheLimitIsCalculated) {
     for (const char* opening : {"(", "-(", "--(", "1d("}) {
         ExpressionDictionary expressions;
+        RequestContext context(expressions);
         const auto expression =
-            Expression::expressionWithString(nested(kMaxNestingDepth, opening, "1"), expressions);
+            Expression::expressionWithString(nested(kMaxNestingDepth, opening, "1"), context);
         EXPECT_TRUE(expression->profile().isDefined()) << opening;
     }
     EXPECT_NE(tooLargeMessage(nested(kMaxNestingDepth + 1, "(", "1")), "");
@@ -85,14 +88,15 @@ TEST(CompoundLimits, AMegabyteOfDiceTermsIsCalculated) {
 TEST(CompoundLimits, DefinitionsThatUseThemselvesEnd) {
     const auto start = Clock::now();
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     EXPECT_TRUE(testing::matchesDistribution(
-        Expression::expressionWithString("a=a+1;a", expressions)->profile(),
+        Expression::expressionWithString("a=a+1;a", context)->profile(),
         testing::undefinedOutcome()));
     EXPECT_TRUE(testing::matchesDistribution(
-        Expression::expressionWithString("a=b;b=a;a", expressions)->profile(),
+        Expression::expressionWithString("a=b;b=a;a", context)->profile(),
         testing::undefinedOutcome()));
     // Growing tenfold at every pass, three passes.
-    const auto grown = Expression::expressionWithString("a=aaaaaaaaaa;a", expressions);
+    const auto grown = Expression::expressionWithString("a=aaaaaaaaaa;a", context);
     EXPECT_GT(grown->rawString().size(), 1000U);
     EXPECT_LT(Clock::now() - start, kBounded);
 }
@@ -139,7 +143,8 @@ TEST(CompoundLimits, HugeDiceCountsAndSizesAreRefusedPlainly) {
 
 TEST(CompoundLimits, ModerateRandomDiceAreCalculated) {
     ExpressionDictionary expressions;
-    const auto expression = Expression::expressionWithString("(2d10)d(1d20)", expressions);
+    RequestContext context(expressions);
+    const auto expression = Expression::expressionWithString("(2d10)d(1d20)", context);
     EXPECT_TRUE(expression->profile().isAlwaysDefined());
 }
 

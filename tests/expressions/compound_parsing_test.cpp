@@ -14,10 +14,9 @@ using testing::d;
 using testing::matchesDistribution;
 using testing::Rational;
 
-std::shared_ptr<CompoundExpression> compound(const std::string& text,
-                                             ExpressionDictionary& expressions) {
+std::shared_ptr<CompoundExpression> compound(const std::string& text, RequestContext& context) {
     auto expression = std::dynamic_pointer_cast<CompoundExpression>(
-        Expression::expressionWithString(text, expressions));
+        Expression::expressionWithString(text, context));
     EXPECT_NE(expression, nullptr) << text << " is not a compound expression";
     return expression;
 }
@@ -114,7 +113,8 @@ TEST(CompoundParsing, ThreeD6PlusTwoIsCutAtEveryTopLevelOperator) {
     // The dice letter is an operator of the highest level, so "3d6" is the first combination
     // made from the operands, built as a dice text, and "+2" comes after it.
     ExpressionDictionary expressions;
-    const auto expression = compound("3d6+2", expressions);
+    RequestContext context(expressions);
+    const auto expression = compound("3d6+2", context);
     EXPECT_EQ(operandTexts(*expression), (Texts{"3", "6", "2"}));
     EXPECT_EQ(operatorText(*expression), "d+");
     EXPECT_TRUE(expressions.contains("3d6"));
@@ -123,7 +123,8 @@ TEST(CompoundParsing, ThreeD6PlusTwoIsCutAtEveryTopLevelOperator) {
 
 TEST(CompoundParsing, DefinitionsAreWrittenOutInTheRawString) {
     ExpressionDictionary expressions;
-    const auto expression = compound("a=1d6;b=a+a;b*2", expressions);
+    RequestContext context(expressions);
+    const auto expression = compound("a=1d6;b=a+a;b*2", context);
     EXPECT_EQ(expression->rawString(), "((1d6)+(1d6))*2");
     EXPECT_EQ(operandTexts(*expression), (Texts{"((1d6)+(1d6))", "2"}));
     EXPECT_EQ(operatorText(*expression), "*");
@@ -132,16 +133,17 @@ TEST(CompoundParsing, DefinitionsAreWrittenOutInTheRawString) {
 
 TEST(CompoundParsing, ImplicitMultiplicationOnBothSidesOfParentheses) {
     ExpressionDictionary expressions;
-    const auto before = compound("2(1d6)", expressions);
+    RequestContext context(expressions);
+    const auto before = compound("2(1d6)", context);
     EXPECT_EQ(operandTexts(*before), (Texts{"2", "(1d6)"}));
     EXPECT_EQ(operatorText(*before), "*");
-    const auto after = compound("(1d6)2", expressions);
+    const auto after = compound("(1d6)2", context);
     EXPECT_EQ(operandTexts(*after), (Texts{"(1d6)", "2"}));
     EXPECT_EQ(operatorText(*after), "*");
-    const auto between = compound("(1d4)(1d6)", expressions);
+    const auto between = compound("(1d4)(1d6)", context);
     EXPECT_EQ(operandTexts(*between), (Texts{"(1d4)", "(1d6)"}));
     EXPECT_EQ(operatorText(*between), "*");
-    const auto constant = compound("2pi", expressions);
+    const auto constant = compound("2pi", context);
     EXPECT_EQ(constant->rawString(), "2(3.141592653589793)");
     EXPECT_EQ(operatorText(*constant), "*");
     EXPECT_TRUE(matchesDistribution(before->profile(), testing::scaled(d(1, 6), 2)));
@@ -150,57 +152,62 @@ TEST(CompoundParsing, ImplicitMultiplicationOnBothSidesOfParentheses) {
 
 TEST(CompoundParsing, NoMultiplicationIsInsertedNextToOperatorsOrParentheses) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(operatorText(*compound("2-(1)", expressions)), "-");
-    EXPECT_EQ(operatorText(*compound("(1)^2", expressions)), "^");
-    const auto nested = compound("((1)(2))", expressions);
+    RequestContext context(expressions);
+    EXPECT_EQ(operatorText(*compound("2-(1)", context)), "-");
+    EXPECT_EQ(operatorText(*compound("(1)^2", context)), "^");
+    const auto nested = compound("((1)(2))", context);
     EXPECT_EQ(operandTexts(*nested), (Texts{"(1)", "(2)"}));
 }
 
 TEST(CompoundParsing, ALeadingSignSubtractsFromZero) {
     ExpressionDictionary expressions;
-    const auto negated = compound("-1d4", expressions);
+    RequestContext context(expressions);
+    const auto negated = compound("-1d4", context);
     EXPECT_EQ(negated->rawString(), "-1d4");
     EXPECT_EQ(operandTexts(*negated), (Texts{"0", "1", "4"}));
     EXPECT_EQ(operatorText(*negated), "-d");
-    const auto plus = compound("+3", expressions);
+    const auto plus = compound("+3", context);
     EXPECT_EQ(operandTexts(*plus), (Texts{"0", "3"}));
 }
 
 TEST(CompoundParsing, ASignBehindAnOperatorBelongsToTheNextOperand) {
     ExpressionDictionary expressions;
-    const auto minusNegative = compound("3--2", expressions);
+    RequestContext context(expressions);
+    const auto minusNegative = compound("3--2", context);
     EXPECT_EQ(operandTexts(*minusNegative), (Texts{"3", "-2"}));
     EXPECT_EQ(operatorText(*minusNegative), "-");
     EXPECT_TRUE(matchesDistribution(minusNegative->profile(), testing::certain(Rational(5))));
-    const auto timesNegative = compound("3*-2", expressions);
+    const auto timesNegative = compound("3*-2", context);
     EXPECT_EQ(operandTexts(*timesNegative), (Texts{"3", "-2"}));
     EXPECT_EQ(operatorText(*timesNegative), "*");
     // Only the first of two signs is taken as one; the second leaves an operand of its own.
-    const auto twoSigns = compound("3*--2", expressions);
+    const auto twoSigns = compound("3*--2", context);
     EXPECT_EQ(operandTexts(*twoSigns), (Texts{"3", "-", "2"}));
     EXPECT_EQ(operatorText(*twoSigns), "*-");
     // A "*" or "/" right behind an operator is no sign: the operand between is omitted.
-    const auto omitted = compound("3*/2", expressions);
+    const auto omitted = compound("3*/2", context);
     EXPECT_EQ(operandTexts(*omitted), (Texts{"3", "", "2"}));
 }
 
 TEST(CompoundParsing, AComparatorBecomesTheMarkAndItsVIsNoDiceLetter) {
     ExpressionDictionary expressions;
-    const auto versus = compound("3d6 vs 2d8", expressions);
+    RequestContext context(expressions);
+    const auto versus = compound("3d6 vs 2d8", context);
     EXPECT_EQ(versus->rawString(), "3d6vs2d8");
     EXPECT_EQ(versus->comparator(), "vs");
     EXPECT_EQ(operandTexts(*versus), (Texts{"3", "6", "2", "8"}));
     EXPECT_EQ(operatorText(*versus), "d%d");
     EXPECT_TRUE(expressions.contains("3d6"));
     EXPECT_TRUE(expressions.contains("2d8"));
-    const auto same = compound("1d6vs1d6vs1d6", expressions);
+    const auto same = compound("1d6vs1d6vs1d6", context);
     EXPECT_EQ(same->comparator(), "vs");
     EXPECT_EQ(operatorText(*same), "d%d%d");
 }
 
 TEST(CompoundParsing, TwoDifferentComparatorsMakeTheTextUndefined) {
     ExpressionDictionary expressions;
-    const auto mixed = compound("1d6vs1d6vt1d6", expressions);
+    RequestContext context(expressions);
+    const auto mixed = compound("1d6vs1d6vt1d6", context);
     EXPECT_EQ(mixed->comparator(), "");
     EXPECT_EQ(operandTexts(*mixed), (Texts{"1", "0"}));
     EXPECT_EQ(operatorText(*mixed), "/");
@@ -209,7 +216,8 @@ TEST(CompoundParsing, TwoDifferentComparatorsMakeTheTextUndefined) {
 
 TEST(CompoundParsing, ParenthesesInsideOperandsAreParsedWhenTheOperandIsBuilt) {
     ExpressionDictionary expressions;
-    const auto expression = compound("(1+2)*3", expressions);
+    RequestContext context(expressions);
+    const auto expression = compound("(1+2)*3", context);
     EXPECT_EQ(operandTexts(*expression), (Texts{"(1+2)", "3"}));
     const auto inner =
         std::dynamic_pointer_cast<CompoundExpression>(expression->subExpressions().front());
@@ -220,7 +228,8 @@ TEST(CompoundParsing, ParenthesesInsideOperandsAreParsedWhenTheOperandIsBuilt) {
 
 TEST(CompoundParsing, OnlyOneOuterPairOfParenthesesIsRemovedPerLevel) {
     ExpressionDictionary expressions;
-    const auto twice = compound("((1d6))", expressions);
+    RequestContext context(expressions);
+    const auto twice = compound("((1d6))", context);
     EXPECT_EQ(operandTexts(*twice), (Texts{"(1d6)"}));
     EXPECT_TRUE(twice->subOperators().empty());
     const auto inner =
@@ -229,28 +238,30 @@ TEST(CompoundParsing, OnlyOneOuterPairOfParenthesesIsRemovedPerLevel) {
     EXPECT_EQ(inner->rawString(), "(1d6)");
     EXPECT_EQ(operandTexts(*inner), (Texts{"1", "6"}));
     // "(1)+(2)" is not one pair around the whole text.
-    EXPECT_EQ(operandTexts(*compound("(1)+(2)", expressions)), (Texts{"(1)", "(2)"}));
+    EXPECT_EQ(operandTexts(*compound("(1)+(2)", context)), (Texts{"(1)", "(2)"}));
 }
 
 // --- Failure handling -------------------------------------------------------------------
 
 TEST(CompoundParsing, EmptyTextsAndTextsEndingWithASemicolonAreUndefined) {
     ExpressionDictionary expressions;
-    const auto trailing = compound("a=1;b=2;", expressions);
+    RequestContext context(expressions);
+    const auto trailing = compound("a=1;b=2;", context);
     EXPECT_EQ(trailing->rawString(), "1/0");
     EXPECT_EQ(operandTexts(*trailing), (Texts{"1", "0"}));
-    const auto blankProper = compound("a=1; ", expressions);
+    const auto blankProper = compound("a=1; ", context);
     EXPECT_EQ(blankProper->rawString(), "1/0");
-    const auto parentheses = compound("()", expressions);
+    const auto parentheses = compound("()", context);
     EXPECT_EQ(operandTexts(*parentheses), (Texts{"1", "0"}));
     EXPECT_TRUE(matchesDistribution(parentheses->profile(), testing::undefinedOutcome()));
 }
 
 TEST(CompoundParsing, TypedInternalMarksAreUndefinedOperands) {
     ExpressionDictionary expressions;
-    const auto ampersand = compound("1+&", expressions);
+    RequestContext context(expressions);
+    const auto ampersand = compound("1+&", context);
     EXPECT_EQ(operandTexts(*ampersand), (Texts{"1", "(1/0)"}));
-    const auto percent = compound("2%3", expressions);
+    const auto percent = compound("2%3", context);
     EXPECT_EQ(operandTexts(*percent), (Texts{"2", "(1/0)", "3"}));
     EXPECT_EQ(operatorText(*percent), "**");
     EXPECT_EQ(percent->comparator(), "");
@@ -258,70 +269,78 @@ TEST(CompoundParsing, TypedInternalMarksAreUndefinedOperands) {
 
 TEST(CompoundParsing, AnOmittedOperandIsAnUntypedEmptyExpression) {
     ExpressionDictionary expressions;
-    const auto trailing = compound("3+", expressions);
+    RequestContext context(expressions);
+    const auto trailing = compound("3+", context);
     ASSERT_EQ(trailing->subExpressions().size(), 2U);
     EXPECT_EQ(trailing->subExpressions().back()->typeString(), "untyped");
     EXPECT_EQ(trailing->subExpressions().back()->rawString(), "");
     EXPECT_TRUE(testing::isEmptyProfile(trailing->subExpressions().back()->profile()));
-    const auto count = compound("d6", expressions);
+    const auto count = compound("d6", context);
     EXPECT_EQ(operandTexts(*count), (Texts{"", "6"}));
-    const auto times = compound("3*d6", expressions);
+    const auto times = compound("3*d6", context);
     EXPECT_EQ(operandTexts(*times), (Texts{"3", "", "6"}));
     EXPECT_EQ(operatorText(*times), "*d");
 }
 
 TEST(CompoundParsing, AStatementWithoutOneEqualsSignIsIgnored) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(compound("junk;a=1;1+a", expressions)->rawString(), "1+(1)");
-    EXPECT_EQ(compound("a==2;b=3;a+b", expressions)->rawString(), "a+(3)");
+    RequestContext context(expressions);
+    EXPECT_EQ(compound("junk;a=1;1+a", context)->rawString(), "1+(1)");
+    EXPECT_EQ(compound("a==2;b=3;a+b", context)->rawString(), "a+(3)");
 }
 
 TEST(CompoundParsing, UnbalancedParenthesesAreNoCompoundText) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(Expression::expressionWithString("(1+2", expressions)->typeString(), "untyped");
-    EXPECT_EQ(Expression::expressionWithString("1+2)", expressions)->typeString(), "untyped");
+    RequestContext context(expressions);
+    EXPECT_EQ(Expression::expressionWithString("(1+2", context)->typeString(), "untyped");
+    EXPECT_EQ(Expression::expressionWithString("1+2)", context)->typeString(), "untyped");
 }
 
 // --- Definitions and names --------------------------------------------------------------
 
 TEST(CompoundParsing, ADefinitionThatUsesItselfStopsAtThePassLimit) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     // One definition: at most three passes.
-    EXPECT_EQ(compound("a=a+1;a", expressions)->rawString(), "(((a+1)+1)+1)");
+    EXPECT_EQ(compound("a=a+1;a", context)->rawString(), "(((a+1)+1)+1)");
     // Two definitions: at most four.
-    EXPECT_EQ(compound("a=a;b=1;a", expressions)->rawString(), "((((a))))");
+    EXPECT_EQ(compound("a=a;b=1;a", context)->rawString(), "((((a))))");
 }
 
 TEST(CompoundParsing, DefinitionsUseEachOtherAndTheConstants) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(compound("t=2pi;t", expressions)->rawString(), "(2(3.141592653589793))");
-    EXPECT_EQ(compound("b=a+1;a=2;b", expressions)->rawString(), "((2)+1)");
-    EXPECT_EQ(compound("a=1;a=2;a+a", expressions)->rawString(), "(2)+(2)");
+    RequestContext context(expressions);
+    EXPECT_EQ(compound("t=2pi;t", context)->rawString(), "(2(3.141592653589793))");
+    EXPECT_EQ(compound("b=a+1;a=2;b", context)->rawString(), "((2)+1)");
+    EXPECT_EQ(compound("a=1;a=2;a+a", context)->rawString(), "(2)+(2)");
 }
 
 TEST(CompoundParsing, ConstantNamesAreNotFoundInsideFunctionNames) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     // "ex" inside "exp" and "pi" inside nothing: only the free "ex" is written out.
-    EXPECT_EQ(compound("exp+ex", expressions)->rawString(), "exp+(2.718281828459045)");
+    EXPECT_EQ(compound("exp+ex", context)->rawString(), "exp+(2.718281828459045)");
     // A definition named like part of a function name leaves the function name alone.
-    EXPECT_EQ(compound("a=5;max+a", expressions)->rawString(), "max+(5)");
-    EXPECT_EQ(compound("e=5;1e3", expressions)->rawString(), "1(5)3");
+    EXPECT_EQ(compound("a=5;max+a", context)->rawString(), "max+(5)");
+    EXPECT_EQ(compound("e=5;1e3", context)->rawString(), "1(5)3");
 }
 
 TEST(CompoundParsing, ALabelIsDroppedBeforeParsing) {
     ExpressionDictionary expressions;
-    const auto labelled = compound("Attack: 1d20+5", expressions);
+    RequestContext context(expressions);
+    const auto labelled = compound("Attack: 1d20+5", context);
     EXPECT_EQ(labelled->rawString(), "1d20+5");
     EXPECT_EQ(labelled->titleRawString(), "Attack: 1d20+5");
     // Only the first label goes; the rewritten text is cleaned once more.
-    EXPECT_EQ(compound("a:b:1+2", expressions)->rawString(), "1+2");
+    EXPECT_EQ(compound("a:b:1+2", context)->rawString(), "1+2");
 }
 
 // --- Function calls (kept whole, though the function kind is not there yet) ---------------
 
 TEST(CompoundParsing, FunctionNamesAreKeptWholeAndRecorded) {
     ExpressionDictionary expressions;
-    const auto call = compound("2max(1,3)+min(2,4)", expressions);
+    RequestContext context(expressions);
+    const auto call = compound("2max(1,3)+min(2,4)", context);
     EXPECT_EQ(call->subFunctions(), (std::vector<std::string>{"max", "min"}));
     EXPECT_EQ(operandTexts(*call), (Texts{"2", "max(1,3)", "min(2,4)"}));
     EXPECT_EQ(operatorText(*call), "*+");
@@ -330,12 +349,13 @@ TEST(CompoundParsing, FunctionNamesAreKeptWholeAndRecorded) {
 
 TEST(CompoundParsing, ATextThatWouldRebuildItselfIsUndefined) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     // A function name without a call: its only operand would be the name again.
-    const auto name = compound("max", expressions);
+    const auto name = compound("max", context);
     EXPECT_EQ(name->subFunctions(), (std::vector<std::string>{"max"}));
     EXPECT_EQ(operandTexts(*name), (Texts{"1/0"}));
     // A text with nothing left to cut after its definitions.
-    const auto bare = compound("a;b", expressions);
+    const auto bare = compound("a;b", context);
     EXPECT_EQ(operandTexts(*bare), (Texts{"1/0"}));
     EXPECT_TRUE(matchesDistribution(bare->profile(), testing::undefinedOutcome()));
 }
@@ -344,7 +364,8 @@ TEST(CompoundParsing, ATextThatWouldRebuildItselfIsUndefined) {
 
 TEST(CompoundParsing, EqualOperandsAreOneSharedExpression) {
     ExpressionDictionary expressions;
-    const auto expression = compound("(1d6)+(1d6)", expressions);
+    RequestContext context(expressions);
+    const auto expression = compound("(1d6)+(1d6)", context);
     ASSERT_EQ(expression->subExpressions().size(), 2U);
     EXPECT_EQ(expression->subExpressions()[0].get(), expression->subExpressions()[1].get());
 }

@@ -42,7 +42,8 @@ class CompoundTable : public ::testing::TestWithParam<TableCase> {};
 
 TEST_P(CompoundTable, HasTheExactDistribution) {
     ExpressionDictionary expressions;
-    const auto expression = Expression::expressionWithString(GetParam().text, expressions);
+    RequestContext context(expressions);
+    const auto expression = Expression::expressionWithString(GetParam().text, context);
     EXPECT_TRUE(testing::matchesDistribution(expression->profile(), GetParam().expected()))
         << GetParam().text;
 }

@@ -19,7 +19,8 @@ class ConstantText : public ::testing::TestWithParam<ConstantCase> {};
 
 TEST_P(ConstantText, IsAConstantOfWeightOne) {
     ExpressionDictionary expressions;
-    const auto constant = Expression::expressionWithString(GetParam().text, expressions);
+    RequestContext context(expressions);
+    const auto constant = Expression::expressionWithString(GetParam().text, context);
     EXPECT_EQ(constant->typeString(), "constant");
     EXPECT_EQ(outcomes(constant->profile()), (Outcomes{{GetParam().value, "1"}}));
 }

@@ -17,7 +17,8 @@ using Counts = std::vector<std::pair<std::string, long long>>;
 
 TEST(DiceExpression, OneDieHasSixEqualFaces) {
     ExpressionDictionary expressions;
-    const auto die = Expression::expressionWithString("1d6", expressions);
+    RequestContext context(expressions);
+    const auto die = Expression::expressionWithString("1d6", context);
     EXPECT_EQ(die->typeString(), "xdy");
     EXPECT_EQ(outcomes(die->profile()),
               (Outcomes{{"1", "1"}, {"2", "1"}, {"3", "1"}, {"4", "1"}, {"5", "1"}, {"6", "1"}}));
@@ -25,7 +26,8 @@ TEST(DiceExpression, OneDieHasSixEqualFaces) {
 
 TEST(DiceExpression, TwoDiceFormATriangle) {
     ExpressionDictionary expressions;
-    const auto dice = Expression::expressionWithString("2d6", expressions);
+    RequestContext context(expressions);
+    const auto dice = Expression::expressionWithString("2d6", context);
     EXPECT_EQ(scaledOutcomes(dice->profile(), 36), (Counts{{"2", 1},
                                                            {"3", 2},
                                                            {"4", 3},
@@ -41,7 +43,8 @@ TEST(DiceExpression, TwoDiceFormATriangle) {
 
 TEST(DiceExpression, ThreeDiceMatchTheCountOfRolls) {
     ExpressionDictionary expressions;
-    const auto dice = Expression::expressionWithString("3d6", expressions);
+    RequestContext context(expressions);
+    const auto dice = Expression::expressionWithString("3d6", context);
     // Ways to roll each sum with three six-sided dice, counted directly.
     std::map<int, long long> ways;
     for (int a = 1; a <= 6; ++a) {
@@ -61,16 +64,18 @@ TEST(DiceExpression, ThreeDiceMatchTheCountOfRolls) {
 TEST(DiceExpression, ZeroDiceOrZeroFacesAlwaysShowZero) {
     for (const char* text : {"0d6", "3d0", "0c5", "2v0", "0w0"}) {
         ExpressionDictionary expressions;
-        const auto dice = Expression::expressionWithString(text, expressions);
+        RequestContext context(expressions);
+        const auto dice = Expression::expressionWithString(text, context);
         EXPECT_EQ(outcomes(dice->profile()), (Outcomes{{"0", "1"}})) << text;
     }
 }
 
 TEST(DiceExpression, ChanceInTenTries) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1c7", expressions)->profile()),
+    RequestContext context(expressions);
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c7", context)->profile()),
               (Outcomes{{"0", "3"}, {"1", "7"}}));
-    const auto three = Expression::expressionWithString("3c7", expressions);
+    const auto three = Expression::expressionWithString("3c7", context);
     EXPECT_EQ(three->typeString(), "xcy");
     EXPECT_EQ(scaledOutcomes(three->profile(), 1000),
               (Counts{{"0", 27}, {"1", 189}, {"2", 441}, {"3", 343}}));
@@ -78,24 +83,27 @@ TEST(DiceExpression, ChanceInTenTries) {
 
 TEST(DiceExpression, TenOrMoreInTenIsASureSuccess) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1c10", expressions)->profile()),
+    RequestContext context(expressions);
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c10", context)->profile()),
               (Outcomes{{"1", "1"}}));
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1c25", expressions)->profile()),
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1c25", context)->profile()),
               (Outcomes{{"1", "1"}}));
 }
 
 TEST(DiceExpression, PercentChance) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1p100", expressions)->profile()),
+    RequestContext context(expressions);
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1p100", context)->profile()),
               (Outcomes{{"1", "1"}}));
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1p50", expressions)->profile()),
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1p50", context)->profile()),
               (Outcomes{{"0", "50"}, {"1", "50"}}));
-    EXPECT_EQ(Expression::expressionWithString("2p35", expressions)->typeString(), "xpy");
+    EXPECT_EQ(Expression::expressionWithString("2p35", context)->typeString(), "xpy");
 }
 
 TEST(DiceExpression, TenSidedDieWithHighFacesCountingZero) {
     ExpressionDictionary expressions;
-    const auto die = Expression::expressionWithString("1v4", expressions);
+    RequestContext context(expressions);
+    const auto die = Expression::expressionWithString("1v4", context);
     EXPECT_EQ(die->typeString(), "xvy");
     EXPECT_EQ(outcomes(die->profile()),
               (Outcomes{{"0", "6"}, {"1", "1"}, {"2", "1"}, {"3", "1"}, {"4", "1"}}));
@@ -103,8 +111,9 @@ TEST(DiceExpression, TenSidedDieWithHighFacesCountingZero) {
 
 TEST(DiceExpression, TenSidedDieSizeIsCappedAtTen) {
     ExpressionDictionary expressions;
-    const auto capped = Expression::expressionWithString("1v15", expressions);
-    const auto ten = Expression::expressionWithString("1v10", expressions);
+    RequestContext context(expressions);
+    const auto capped = Expression::expressionWithString("1v15", context);
+    const auto ten = Expression::expressionWithString("1v10", context);
     EXPECT_EQ(outcomes(capped->profile()), outcomes(ten->profile()));
     EXPECT_EQ(outcomes(ten->profile()).size(), 10U);  // the zero entry has weight 0 and is gone
     EXPECT_EQ(outcomes(ten->profile()).front().first, "1");
@@ -112,18 +121,20 @@ TEST(DiceExpression, TenSidedDieSizeIsCappedAtTen) {
 
 TEST(DiceExpression, HundredSidedDieWithHighFacesCountingZero) {
     ExpressionDictionary expressions;
-    const auto die = Expression::expressionWithString("1w60", expressions);
+    RequestContext context(expressions);
+    const auto die = Expression::expressionWithString("1w60", context);
     EXPECT_EQ(die->typeString(), "xwy");
     const auto list = outcomes(die->profile());
     ASSERT_EQ(list.size(), 61U);
     EXPECT_EQ(list.front(), (std::pair<std::string, std::string>{"0", "40"}));
-    EXPECT_EQ(outcomes(Expression::expressionWithString("1w150", expressions)->profile()),
-              outcomes(Expression::expressionWithString("1w100", expressions)->profile()));
+    EXPECT_EQ(outcomes(Expression::expressionWithString("1w150", context)->profile()),
+              outcomes(Expression::expressionWithString("1w100", context)->profile()));
 }
 
 TEST(DiceExpression, ALabelCanChangeTheNotation) {
     ExpressionDictionary expressions;
-    const auto dice = Expression::expressionWithString("d: 2c6", expressions);
+    RequestContext context(expressions);
+    const auto dice = Expression::expressionWithString("d: 2c6", context);
     EXPECT_EQ(dice->typeString(), "xdy");
     EXPECT_EQ(dice->rawString(), "2c6");
     const auto twoD6 = Expression::expressionWithString("2d6");
@@ -132,7 +143,8 @@ TEST(DiceExpression, ALabelCanChangeTheNotation) {
 
 TEST(DiceExpression, TenDiceCreateTheTenCountsInTheDictionary) {
     ExpressionDictionary expressions;
-    static_cast<void>(Expression::expressionWithString("10d6", expressions));
+    RequestContext context(expressions);
+    static_cast<void>(Expression::expressionWithString("10d6", context));
     EXPECT_EQ(expressions.size(), 10U);
     for (int count = 1; count <= 10; ++count) {
         EXPECT_TRUE(expressions.contains(std::to_string(count) + "d6")) << count;
@@ -141,8 +153,9 @@ TEST(DiceExpression, TenDiceCreateTheTenCountsInTheDictionary) {
 
 TEST(DiceExpression, LaterCountsReuseTheChain) {
     ExpressionDictionary expressions;
-    const auto five = Expression::expressionWithString("5d6", expressions);
-    const auto eight = Expression::expressionWithString("8d6", expressions);
+    RequestContext context(expressions);
+    const auto five = Expression::expressionWithString("5d6", context);
+    const auto eight = Expression::expressionWithString("8d6", context);
     EXPECT_EQ(expressions.size(), 8U);
     EXPECT_EQ(expressions.at("5d6").get(), five.get());
     EXPECT_EQ(scaledOutcomes(eight->profile(), 1679616).front(),
@@ -151,7 +164,8 @@ TEST(DiceExpression, LaterCountsReuseTheChain) {
 
 TEST(DiceExpression, ChainAndDirectBuildAgree) {
     ExpressionDictionary expressions;
-    const auto chained = Expression::expressionWithString("6d4", expressions);
+    RequestContext context(expressions);
+    const auto chained = Expression::expressionWithString("6d4", context);
     const auto direct = Expression::expressionWithString("6d4");
     EXPECT_EQ(scaledOutcomes(chained->profile(), 4096), scaledOutcomes(direct->profile(), 4096));
 }
@@ -172,18 +186,20 @@ TEST(DiceExpression, LetterPriorityNotPosition) {
 
 TEST(DiceExpression, CountsTooLargeForThirtyTwoBitsAreCapped) {
     ExpressionDictionary expressions;
-    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("1d99999999999", expressions)),
+    RequestContext context(expressions);
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("1d99999999999", context)),
                  core::CalculationTooLarge);
-    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("99999999999d6", expressions)),
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("99999999999d6", context)),
                  core::CalculationTooLarge);
     // Ten-sided dice cap their size first, so a huge size is harmless there.
-    const auto capped = Expression::expressionWithString("1v99999999999", expressions);
+    const auto capped = Expression::expressionWithString("1v99999999999", context);
     EXPECT_EQ(outcomes(capped->profile()).size(), 10U);
 }
 
 TEST(DiceExpression, VeryManyDiceEndInAnUnderflowNotAHang) {
     ExpressionDictionary expressions;
-    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("300d6", expressions)),
+    RequestContext context(expressions);
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString("300d6", context)),
                  core::DecimalError);
 }
 
@@ -196,6 +212,7 @@ TEST(DiceExpression, RandomTextsNeverThrow) {
     std::uniform_int_distribution<std::size_t> pick(0, alphabet.size() - 1);
     std::uniform_int_distribution<int> length(0, 9);
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     for (int i = 0; i < 3000; ++i) {
         std::string text;
         const int n = length(random);
@@ -219,8 +236,7 @@ TEST(DiceExpression, RandomTextsNeverThrow) {
             std::string_view("dcpvw").find(text.back()) != std::string_view::npos) {
             text.back() = 'z';
         }
-        EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)))
-            << text;
+        EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text, context))) << text;
         EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text))) << text;
     }
 }
@@ -239,8 +255,9 @@ TEST(DiceExpression, RandomTextsOnlyFailWithReportableFaults) {
             text.push_back(alphabet[pick(random)]);
         }
         ExpressionDictionary expressions;
+        RequestContext context(expressions);
         try {
-            static_cast<void>(Expression::expressionWithString(text, expressions));
+            static_cast<void>(Expression::expressionWithString(text, context));
         } catch (const core::DecimalError&) {
         } catch (const core::CalculationTooLarge&) {
         }
@@ -252,7 +269,8 @@ TEST(DiceExpression, ChainsTooLongToCombineAreRefusedBeforeAnyWork) {
     // bound is what ends them; so too for hundreds of dice of hundreds of faces.
     for (const char* text : {"21223d2", "411d411", "9000c5"}) {
         ExpressionDictionary expressions;
-        EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)),
+        RequestContext context(expressions);
+        EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, context)),
                      core::CalculationTooLarge)
             << text;
         EXPECT_TRUE(expressions.empty()) << text;
@@ -264,7 +282,8 @@ TEST(DiceExpression, ChainsTooLongToCombineAreRefusedBeforeAnyWork) {
 
 TEST(DiceExpression, ChainsWithinTheBoundAreBuilt) {
     ExpressionDictionary expressions;
-    const auto dice = Expression::expressionWithString("500d2", expressions);
+    RequestContext context(expressions);
+    const auto dice = Expression::expressionWithString("500d2", context);
     EXPECT_EQ(dice->profile().evaluations().size(), 501U);
 }
 

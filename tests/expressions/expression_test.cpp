@@ -18,8 +18,9 @@ TEST(Expression, CleaningDropsTheFirstLabelAndBlanks) {
 
 TEST(Expression, LabelledAndPlainTextsShareOneEntry) {
     ExpressionDictionary expressions;
-    const auto labelled = Expression::expressionWithString("Roll: 2d6", expressions);
-    const auto plain = Expression::expressionWithString("2d6", expressions);
+    RequestContext context(expressions);
+    const auto labelled = Expression::expressionWithString("Roll: 2d6", context);
+    const auto plain = Expression::expressionWithString("2d6", context);
     EXPECT_EQ(labelled.get(), plain.get());
     EXPECT_EQ(plain->rawString(), "2d6");
     EXPECT_EQ(labelled->titleRawString(), "Roll: 2d6");
@@ -27,23 +28,26 @@ TEST(Expression, LabelledAndPlainTextsShareOneEntry) {
 
 TEST(Expression, BlanksDoNotMakeANewEntry) {
     ExpressionDictionary expressions;
-    const auto spaced = Expression::expressionWithString("3 d 6", expressions);
-    const auto plain = Expression::expressionWithString("3d6", expressions);
+    RequestContext context(expressions);
+    const auto spaced = Expression::expressionWithString("3 d 6", context);
+    const auto plain = Expression::expressionWithString("3d6", context);
     EXPECT_EQ(spaced.get(), plain.get());
 }
 
 TEST(Expression, BuildingTheSameTextTwiceReturnsTheSameObject) {
     ExpressionDictionary expressions;
-    const auto first = Expression::expressionWithString("4d8", expressions);
+    RequestContext context(expressions);
+    const auto first = Expression::expressionWithString("4d8", context);
     const std::size_t entries = expressions.size();
-    const auto second = Expression::expressionWithString("4d8", expressions);
+    const auto second = Expression::expressionWithString("4d8", context);
     EXPECT_EQ(first.get(), second.get());
     EXPECT_EQ(expressions.size(), entries);
 }
 
 TEST(Expression, TheEmptyTextIsAnUntypedExpressionWithAnEmptyProfile) {
     ExpressionDictionary expressions;
-    const auto empty = Expression::expressionWithString("", expressions);
+    RequestContext context(expressions);
+    const auto empty = Expression::expressionWithString("", context);
     EXPECT_EQ(empty->typeString(), "untyped");
     const core::Profile profile = empty->profile();
     EXPECT_FALSE(profile.isDefined());
@@ -54,7 +58,8 @@ TEST(Expression, TheEmptyTextIsAnUntypedExpressionWithAnEmptyProfile) {
 
 TEST(Expression, UnrecognisedTextIsUntypedAndStored) {
     ExpressionDictionary expressions;
-    const auto unknown = Expression::expressionWithString("hi", expressions);
+    RequestContext context(expressions);
+    const auto unknown = Expression::expressionWithString("hi", context);
     EXPECT_EQ(unknown->typeString(), "untyped");
     EXPECT_EQ(unknown->profile().titleString(), "hi");
     EXPECT_TRUE(expressions.contains("hi"));

@@ -22,10 +22,9 @@ using testing::profileOf;
 using testing::Rational;
 using Outcomes = std::vector<std::pair<std::string, std::string>>;
 
-std::shared_ptr<FunctionExpression> function(const std::string& text,
-                                             ExpressionDictionary& expressions) {
+std::shared_ptr<FunctionExpression> function(const std::string& text, RequestContext& context) {
     return std::dynamic_pointer_cast<FunctionExpression>(
-        Expression::expressionWithString(text, expressions));
+        Expression::expressionWithString(text, context));
 }
 
 TEST(FunctionExpression, ThirtyFiveNamesLongerPrefixesFirst) {
@@ -105,55 +104,59 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(FunctionExpression, IsTheKindAWholeCallBecomes) {
     ExpressionDictionary expressions;
-    const auto call = Expression::expressionWithString("max(1d6,3)", expressions);
+    RequestContext context(expressions);
+    const auto call = Expression::expressionWithString("max(1d6,3)", context);
     EXPECT_EQ(call->typeString(), "function");
     // Not whole calls: a compound text and a text no kind takes.
-    EXPECT_EQ(Expression::expressionWithString("max(1,2)+1", expressions)->typeString(),
-              "compound");
-    EXPECT_EQ(Expression::expressionWithString("max(1d6", expressions)->typeString(), "untyped");
+    EXPECT_EQ(Expression::expressionWithString("max(1,2)+1", context)->typeString(), "compound");
+    EXPECT_EQ(Expression::expressionWithString("max(1d6", context)->typeString(), "untyped");
 }
 
 TEST(FunctionExpression, SplitsArgumentsAtTopLevelCommasOnly) {
     ExpressionDictionary expressions;
-    const auto call = function("max(1d6,min(2,3d4))", expressions);
+    RequestContext context(expressions);
+    const auto call = function("max(1d6,min(2,3d4))", context);
     ASSERT_NE(call, nullptr);
     EXPECT_EQ(call->function(), "max");
     EXPECT_EQ(call->argumentStrings(), (std::vector<std::string>{"1d6", "min(2,3d4)"}));
     EXPECT_EQ(call->arguments().size(), 2U);
-    const auto nested = function("max(1d6,min(2,3))", expressions);
+    const auto nested = function("max(1d6,min(2,3))", context);
     EXPECT_EQ(nested->argumentStrings(), (std::vector<std::string>{"1d6", "min(2,3)"}));
-    const auto deep = function("max((1,2),die(1,(2)),3)", expressions);
+    const auto deep = function("max((1,2),die(1,(2)),3)", context);
     EXPECT_EQ(deep->argumentStrings(), (std::vector<std::string>{"(1,2)", "die(1,(2))", "3"}));
 }
 
 TEST(FunctionExpression, SkipsEmptyArguments) {
     ExpressionDictionary expressions;
-    EXPECT_EQ(function("max(1,,2)", expressions)->argumentStrings(),
+    RequestContext context(expressions);
+    EXPECT_EQ(function("max(1,,2)", context)->argumentStrings(),
               (std::vector<std::string>{"1", "2"}));
-    EXPECT_EQ(function("max(,1)", expressions)->argumentStrings(), (std::vector<std::string>{"1"}));
-    EXPECT_EQ(function("max(1,)", expressions)->argumentStrings(), (std::vector<std::string>{"1"}));
-    EXPECT_TRUE(function("max()", expressions)->argumentStrings().empty());
-    EXPECT_TRUE(function("max(,,)", expressions)->arguments().empty());
+    EXPECT_EQ(function("max(,1)", context)->argumentStrings(), (std::vector<std::string>{"1"}));
+    EXPECT_EQ(function("max(1,)", context)->argumentStrings(), (std::vector<std::string>{"1"}));
+    EXPECT_TRUE(function("max()", context)->argumentStrings().empty());
+    EXPECT_TRUE(function("max(,,)", context)->arguments().empty());
 }
 
 TEST(FunctionExpression, ArgumentsAreCleanedAndBuiltThroughTheDictionary) {
     ExpressionDictionary expressions;
-    const auto call = function("Roll: keep( 1d6 , 2, 5 , 0)", expressions);
+    RequestContext context(expressions);
+    const auto call = function("Roll: keep( 1d6 , 2, 5 , 0)", context);
     EXPECT_EQ(call->rawString(), "keep(1d6,2,5,0)");
     EXPECT_EQ(call->argumentStrings(), (std::vector<std::string>{"1d6", "2", "5", "0"}));
     EXPECT_EQ(expressions.count("1d6"), 1U);
     EXPECT_EQ(expressions.count("keep(1d6,2,5,0)"), 1U);
     // The same text, blanks and all, is the same expression.
-    EXPECT_EQ(Expression::expressionWithString("keep(1d6,2,5,0)", expressions), call);
-    EXPECT_EQ(Expression::expressionWithString(" die ( 2 ) ", expressions),
-              Expression::expressionWithString("die(2)", expressions));
+    EXPECT_EQ(Expression::expressionWithString("keep(1d6,2,5,0)", context), call);
+    EXPECT_EQ(Expression::expressionWithString(" die ( 2 ) ", context),
+              Expression::expressionWithString("die(2)", context));
 }
 
 TEST(FunctionExpression, LongerNamesWinOverTheirPrefixes) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     for (const char* name : {"dieMult", "diePow", "diew", "dier", "die", "confineweightrange",
                              "confineweight", "confine", "maxval", "max", "minval", "min"}) {
-        const auto call = function(std::string(name) + "(1d6,2)", expressions);
+        const auto call = function(std::string(name) + "(1d6,2)", context);
         ASSERT_NE(call, nullptr) << name;
         EXPECT_EQ(call->function(), name);
     }
@@ -214,7 +217,8 @@ TEST(FunctionExpression, ArgumentsMayBeAnyKind) {
 TEST(FunctionExpression, ArgumentsHoldWhatTheKernelLeftOfThem) {
     // die scales each argument to weight one in place.
     ExpressionDictionary expressions;
-    const auto call = function("die(1d4,3)", expressions);
+    RequestContext context(expressions);
+    const auto call = function("die(1d4,3)", context);
     ASSERT_EQ(call->arguments().size(), 2U);
     EXPECT_EQ(outcomes(call->arguments()[0]),
               (Outcomes{{"1", "0.25"}, {"2", "0.25"}, {"3", "0.25"}, {"4", "0.25"}}));

@@ -18,7 +18,8 @@ using testing::Rational;
 
 core::Profile build(const std::string& text) {
     ExpressionDictionary expressions;
-    return Expression::expressionWithString(text, expressions)->profile();
+    RequestContext context(expressions);
+    return Expression::expressionWithString(text, context)->profile();
 }
 
 // Every outcome v of `value`, mapped by f, with its chance: one roll used at every occurrence.
@@ -36,7 +37,8 @@ Distribution fixed(const Distribution& value, const std::function<Rational(Ratio
 
 TEST(HardCompoundExpression, OneRollUsedTwice) {
     ExpressionDictionary expressions;
-    const auto hard = Expression::expressionWithString("a~1d6;a+a", expressions);
+    RequestContext context(expressions);
+    const auto hard = Expression::expressionWithString("a~1d6;a+a", context);
     EXPECT_EQ(hard->typeString(), "hard compound");
     EXPECT_TRUE(
         matchesDistribution(hard->profile(), fixed(d(1, 6), [](Rational v) { return v + v; })));
@@ -46,8 +48,9 @@ TEST(HardCompoundExpression, OneRollUsedTwice) {
 
 TEST(HardCompoundExpression, ParsingSplitsTheHardDefinitionOff) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     const auto expression =
-        Expression::expressionWithString("Roll: b=2; a ~ 1d6; c=3; a*b+c", expressions);
+        Expression::expressionWithString("Roll: b=2; a ~ 1d6; c=3; a*b+c", context);
     const auto* hard = dynamic_cast<const HardCompoundExpression*>(expression.get());
     ASSERT_NE(hard, nullptr);
     EXPECT_EQ(hard->hardSymbol(), "a");
@@ -141,11 +144,12 @@ TEST(HardCompoundExpression, RunawayEnumerationsStopAtTheDictionaryBound) {
     // 6^9); every dictionary stops accepting new expressions at its bound. A dictionary
     // filled almost to it shows the stop without waiting for the enumeration to get there.
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     for (std::size_t i = 0; expressions.size() + 20 < core::kMaxExpressions; ++i) {
-        static_cast<void>(Expression::expressionWithString(std::to_string(i), expressions));
+        static_cast<void>(Expression::expressionWithString(std::to_string(i), context));
     }
     EXPECT_THROW(
-        static_cast<void>(Expression::expressionWithString("a~1d6;b~1d6;a*a+b*b", expressions)),
+        static_cast<void>(Expression::expressionWithString("a~1d6;b~1d6;a*a+b*b", context)),
         core::CalculationTooLarge);
 }
 

@@ -39,7 +39,8 @@ TEST_P(ParserCorpus, BuildsOrStopsAtABoundaryFault) {
     const std::string text = contents(GetParam());
     try {
         ExpressionDictionary expressions;
-        const auto expression = Expression::expressionWithString(text, expressions);
+        RequestContext context(expressions);
+        const auto expression = Expression::expressionWithString(text, context);
         const core::Profile profile = expression->profile();
         EXPECT_FALSE(profile.evaluations().empty());
     } catch (const core::DecimalError&) {

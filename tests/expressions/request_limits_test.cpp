@@ -22,7 +22,8 @@ std::string repeated(const std::string& piece, int times) {
 
 void expectTooLarge(const std::string& text) {
     ExpressionDictionary expressions;
-    EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, expressions)),
+    RequestContext context(expressions);
+    EXPECT_THROW(static_cast<void>(Expression::expressionWithString(text, context)),
                  core::CalculationTooLarge)
         << text.substr(0, 60);
 }
@@ -35,15 +36,17 @@ TEST(RequestLimits, DeeplyNestedFunctionCallsAreRefusedBeforeTheStackRunsOut) {
 
 TEST(RequestLimits, ModeratelyNestedCallsAreCalculated) {
     ExpressionDictionary expressions;
+    RequestContext context(expressions);
     const auto nested = Expression::expressionWithString(
-        repeated("abs(", 200) + "0-1d6" + repeated(")", 200), expressions);
+        repeated("abs(", 200) + "0-1d6" + repeated(")", 200), context);
     EXPECT_EQ(testing::outcomes(nested->profile()).size(), 6U);
-    EXPECT_EQ(expressions.constructionDepth(), 0U);
+    EXPECT_EQ(context.constructionDepth(), 0U);
 }
 
 TEST(RequestLimits, DropCountsNearTheIntegerLimitKeepNothing) {
     ExpressionDictionary expressions;
-    const auto drop = Expression::expressionWithString("drop(1d6,5,9e18,9e18)", expressions);
+    RequestContext context(expressions);
+    const auto drop = Expression::expressionWithString("drop(1d6,5,9e18,9e18)", context);
     const auto outcomes = testing::outcomes(drop->profile());
     ASSERT_EQ(outcomes.size(), 1U);
     EXPECT_EQ(outcomes.front().first, "0");
@@ -68,7 +71,8 @@ TEST(RequestLimits, TiesAmongTooManyOperandsAreRefused) {
         many += "vt" + std::to_string(i);
     }
     ExpressionDictionary expressions;
-    const auto profile = Expression::expressionWithString(many, expressions)->profile();
+    RequestContext context(expressions);
+    const auto profile = Expression::expressionWithString(many, context)->profile();
     ASSERT_EQ(profile.evaluations().size(), 1U);
     EXPECT_EQ(profile.evaluations().front().quantity().stringValue(), "-39");
 }

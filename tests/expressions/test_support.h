@@ -5,8 +5,19 @@
 #include <vector>
 
 #include "core/profile.h"
+#include "expressions/expression.h"
 
 namespace talvex::language::testing {
+
+// A request of its own, with a fresh dictionary and the whole budget, for kernels and
+// combinations called directly.
+struct StandaloneRequest {
+    ExpressionDictionary expressions;
+    RequestContext context{expressions};
+
+    // The context, also of a temporary that lives to the end of the call it is passed to.
+    [[nodiscard]] RequestContext& use() noexcept { return context; }
+};
 
 // A profile's outcomes as (quantity text, weight text) pairs, undefined as "NaN".
 inline std::vector<std::pair<std::string, std::string>> outcomes(const core::Profile& profile) {

@@ -37,7 +37,8 @@ TEST(Combinators, NoArgumentsAreEmpty) {
         EXPECT_TRUE(isEmptyProfile(profileOf(text))) << text;
     }
     EXPECT_TRUE(isEmptyProfile(KVTXSoloCombinatorProfile(CompoundExpressionAbsF, {})));
-    EXPECT_TRUE(isEmptyProfile(KVTXChainCombinatorProfile(CompoundExpressionMaxF, {})));
+    EXPECT_TRUE(isEmptyProfile(KVTXChainCombinatorProfile(CompoundExpressionMaxF, {},
+                                                          testing::StandaloneRequest().use())));
     EXPECT_TRUE(isEmptyProfile(KVTXProfileIntegratedProfile(statisticMean, {})));
 }
 
@@ -57,7 +58,8 @@ TEST(Combinators, MaxOfTwoDiceFavoursHighFaces) {
 TEST(Combinators, ChainFoldsFromTheLeft) {
     // (1d4 - 1d2) - 1d2, not 1d4 - (1d2 - 1d2).
     std::array<Profile, 3> arguments = {profileOf("1d4"), profileOf("1d2"), profileOf("1d2")};
-    EXPECT_TRUE(matchesWithin(KVTXChainCombinatorProfile(CompoundExpressionSubtractionF, arguments),
+    EXPECT_TRUE(matchesWithin(KVTXChainCombinatorProfile(CompoundExpressionSubtractionF, arguments,
+                                                         testing::StandaloneRequest().use()),
                               testing::difference(testing::difference(d(1, 4), d(1, 2)), d(1, 2)),
                               kDecimalTolerance));
     EXPECT_TRUE(matchesWithin(profileOf("min(1d20,1d20,1d20)"),

@@ -118,7 +118,7 @@ std::array<Profile, 3> partlyUndefined(long long low, long long highNum, long lo
 
 TEST(ConfineKernels, UndefinedSharesAreDroppedAndTheRestRenormalised) {
     std::array<Profile, 3> arguments = partlyUndefined(0, 5, 1);
-    const Profile confined = KVTXConfineF(arguments);
+    const Profile confined = KVTXConfineF(arguments, testing::StandaloneRequest().use());
     EXPECT_TRUE(matchesWithin(confined,
                               {{Rational(1), Rational(1, 4)}, {Rational(2), Rational(3, 4)}},
                               kDoubleTolerance));
@@ -128,12 +128,14 @@ TEST(ConfineKernels, UndefinedSharesAreDroppedAndTheRestRenormalised) {
 TEST(ConfineKernels, ConfineWeightComparesTheProbabilitiesAmongDefinedOutcomes) {
     // Among the defined outcomes 2 has 3/4 (3/5 of the whole), 1 has 1/4 (1/5 of the whole).
     std::array<Profile, 3> above = partlyUndefined(0, 7, 10);
-    EXPECT_TRUE(matchesWithin(KVTXConfineWeightF(above), valueOf(1), kDoubleTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXConfineWeightF(above, testing::StandaloneRequest().use()),
+                              valueOf(1), kDoubleTolerance));
     std::array<Profile, 3> band = {
         profileWith(
             {{std::nullopt, Rational(1)}, {Rational(1), Rational(1)}, {Rational(2), Rational(3)}}),
         profileWith({{Rational(7, 10), Rational(1)}}), profileWith({{Rational(1), Rational(1)}})};
-    EXPECT_TRUE(matchesWithin(KVTXConfineWeightF(band), valueOf(2), kDoubleTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXConfineWeightF(band, testing::StandaloneRequest().use()),
+                              valueOf(2), kDoubleTolerance));
     // Its defined outcomes alone were brought to weight one.
     EXPECT_EQ(outcomes(band[0]), (Outcomes{{"NaN", "0.25"}, {"1", "0.25"}, {"2", "0.75"}}));
 }
@@ -145,7 +147,9 @@ TEST(ConfineKernels, ConfineWeightRangeCountsTheUndefinedShareInTheCumulativePro
         profileWith(
             {{std::nullopt, Rational(1)}, {Rational(1), Rational(1)}, {Rational(2), Rational(3)}}),
         profileWith({{Rational(1, 2), Rational(1)}}), profileWith({{Rational(1), Rational(1)}})};
-    EXPECT_TRUE(matchesWithin(KVTXConfineWeightRangeF(arguments), valueOf(2), kDoubleTolerance));
+    EXPECT_TRUE(
+        matchesWithin(KVTXConfineWeightRangeF(arguments, testing::StandaloneRequest().use()),
+                      valueOf(2), kDoubleTolerance));
 }
 
 TEST(ConfineKernels, EachPairOfBoundsCarriesItsChance) {

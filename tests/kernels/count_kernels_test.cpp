@@ -88,7 +88,8 @@ TEST(CountKernel, PartlyUndefinedArgumentsGiveTheirJointUndefinedChance) {
     const Distribution expected = countOf(x, constant(Rational(1)), high);
     // At least one of X and high undefined: 1 - 3/4 x 3/4.
     ASSERT_EQ(expected.at(std::nullopt), Rational(7, 16));
-    EXPECT_TRUE(matchesWithin(KVTXCountF(arguments), expected, kDoubleTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXCountF(arguments, testing::StandaloneRequest().use()), expected,
+                              kDoubleTolerance));
 }
 
 TEST(CountKernel, SumsItsMassesAsDoubles) {
@@ -100,7 +101,7 @@ TEST(CountKernel, SumsItsMassesAsDoubles) {
 
 TEST(CriterionKernel, LeavesTheCountsScaledToWeightOne) {
     std::array<Profile, 3> arguments = {profileOf("1d2"), profileOf("6"), profileOf("1d2")};
-    static_cast<void>(KVTXCriterionF(arguments));
+    static_cast<void>(KVTXCriterionF(arguments, testing::StandaloneRequest().use()));
     EXPECT_EQ(outcomes(arguments[0]), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));
     EXPECT_EQ(outcomes(arguments[1]), (Outcomes{{"6", "1"}}));
     EXPECT_EQ(outcomes(arguments[2]), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));

@@ -109,14 +109,15 @@ TEST(DieKernels, DieGivesEachArgumentWeightOne) {
 
 TEST(DieKernels, DieScalesItsArgumentsInPlace) {
     std::array<Profile, 2> arguments = {profileOf("1d2"), profileOf("2")};
-    static_cast<void>(KVTXDieF(arguments));
+    static_cast<void>(KVTXDieF(arguments, testing::StandaloneRequest().use()));
     EXPECT_EQ(outcomes(arguments[0]), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));
     EXPECT_EQ(outcomes(arguments[1]), (Outcomes{{"2", "1"}}));
 }
 
 TEST(DieKernels, DieOfAnEmptyArgumentAddsAnUndefinedOutcome) {
     std::array<Profile, 2> arguments = {Profile{}, profileOf("1")};
-    EXPECT_EQ(outcomes(KVTXDieF(arguments)), (Outcomes{{"NaN", "1"}, {"1", "1"}}));
+    EXPECT_EQ(outcomes(KVTXDieF(arguments, testing::StandaloneRequest().use())),
+              (Outcomes{{"NaN", "1"}, {"1", "1"}}));
 }
 
 TEST(DieKernels, DiewScalesEachProfileToItsWeightMean) {
@@ -170,12 +171,13 @@ TEST(DieKernels, DiePowOfCountZeroCarriesTheUndefinedWeightOfTheRoll) {
         testing::profileWith(
             {{std::nullopt, Rational(1)}, {Rational(1), Rational(1)}, {Rational(2), Rational(1)}}),
         profileOf("0")};
-    EXPECT_EQ(outcomes(KVTXDiePowF(arguments)), (Outcomes{{"NaN", "1"}, {"1", "2"}}));
+    EXPECT_EQ(outcomes(KVTXDiePowF(arguments, testing::StandaloneRequest().use())),
+              (Outcomes{{"NaN", "1"}, {"1", "2"}}));
 }
 
 TEST(DieKernels, DieMultAndDiePowScaleTheCountInPlaceOnly) {
     std::array<Profile, 2> arguments = {profileOf("1d4"), profileOf("1d2")};
-    static_cast<void>(KVTXDieMultF(arguments));
+    static_cast<void>(KVTXDieMultF(arguments, testing::StandaloneRequest().use()));
     EXPECT_EQ(outcomes(arguments[0]), (Outcomes{{"1", "1"}, {"2", "1"}, {"3", "1"}, {"4", "1"}}));
     EXPECT_EQ(outcomes(arguments[1]), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));
 }

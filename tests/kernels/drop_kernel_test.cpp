@@ -177,7 +177,8 @@ TEST_P(RandomDrop, MatchesEveryOrderedRoll) {
                                         profileWith(highest)};
     const Distribution expected =
         expectedDrop(faces, normalised(rolls), normalised(lowest), normalised(highest));
-    EXPECT_TRUE(matchesWithin(KVTXDropF(arguments), expected, kDecimalTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXDropF(arguments, testing::StandaloneRequest().use()), expected,
+                              kDecimalTolerance));
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, RandomDrop, ::testing::Range(1U, 41U));
@@ -275,20 +276,22 @@ TEST(DropKernel, AnUndefinedFaceMakesEveryRollThatShowsItUndefined) {
                                         profileOf("0")};
     const Distribution expected = dropOf(faces, 2, 1, 0);
     ASSERT_EQ(expected.at(std::nullopt), Rational(5, 9));
-    EXPECT_TRUE(matchesWithin(KVTXDropF(arguments), expected, kDecimalTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXDropF(arguments, testing::StandaloneRequest().use()), expected,
+                              kDecimalTolerance));
 }
 
 TEST(DropKernel, ScalesEveryArgumentToWeightOneInPlace) {
     std::array<Profile, 4> arguments = {profileOf("1d2"), profileOf("1d2"), profileOf("1d2"),
                                         profileOf("1d2")};
-    static_cast<void>(KVTXDropF(arguments));
+    static_cast<void>(KVTXDropF(arguments, testing::StandaloneRequest().use()));
     for (const Profile& argument : arguments) {
         EXPECT_EQ(outcomes(argument), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));
     }
 }
 
 TEST(DropKernel, HelperWeightsSumToOne) {
-    const auto sums = KVDropHelper(profileOf("1d6").evaluations(), 20, 5, 5);
+    const auto sums =
+        KVDropHelper(profileOf("1d6").evaluations(), 20, 5, 5, testing::StandaloneRequest().use());
     Decimal total = Decimal::zero();
     for (const auto& sum : sums) {
         total = total + sum.weight();

@@ -35,7 +35,8 @@ inline core::Decimal decimalOf(const Rational& value) {
 // The profile of a text, built through a fresh dictionary.
 inline core::Profile profileOf(const std::string& text) {
     ExpressionDictionary expressions;
-    return Expression::expressionWithString(text, expressions)->profile();
+    RequestContext context(expressions);
+    return Expression::expressionWithString(text, context)->profile();
 }
 
 // A profile with the given outcomes and weights; the outcomes must be terminating decimals.

@@ -105,13 +105,14 @@ TEST(KeepKernel, PartlyUndefinedArgumentsGiveTheirJointUndefinedChance) {
     const Distribution low = {{std::nullopt, Rational(1, 2)}, {Rational(2), Rational(1, 2)}};
     const Distribution expected = keepOf(x, low, valueOf(5), valueOf(0));
     ASSERT_EQ(expected.at(std::nullopt), Rational(5, 8));
-    EXPECT_TRUE(matchesWithin(KVTXKeepF(arguments), expected, kDoubleTolerance));
+    EXPECT_TRUE(matchesWithin(KVTXKeepF(arguments, testing::StandaloneRequest().use()), expected,
+                              kDoubleTolerance));
 }
 
 TEST(KeepKernel, ScalesItsArgumentsToWeightOneInPlace) {
     std::array<Profile, 4> arguments = {profileOf("1d2"), profileOf("1d2"), profileOf("2"),
                                         profileOf("1d2")};
-    static_cast<void>(KVTXKeepF(arguments));
+    static_cast<void>(KVTXKeepF(arguments, testing::StandaloneRequest().use()));
     for (const std::size_t i : {0U, 1U, 3U}) {
         EXPECT_EQ(outcomes(arguments[i]), (Outcomes{{"1", "0.5"}, {"2", "0.5"}}));
     }

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "expressions/exact_distribution.h"
+#include "expressions/test_support.h"
 
 namespace talvex::language {
 namespace {
@@ -331,7 +332,8 @@ TEST(DiceRelationKernels, RandomCountAndSizeThroughAProfile) {
 }
 
 TEST(DiceRelationCache, GivesExactlyWhatThePlainKernelGivesAndBuildsEachTextOnce) {
-    DiceRelationCache cache;
+    testing::StandaloneRequest request;
+    DiceRelationCache cache(request.context);
     const core::RelationKernel cached = cachedDiceRelation('d', cache);
     for (int round = 0; round < 3; ++round) {
         for (const char* count : {"1", "2", "-2", "2.4"}) {
@@ -362,7 +364,8 @@ TEST(DiceRelationCache, ServesAProfileAssimilation) {
     sizes.addQuantity(dec("6"), Decimal::one());
     core::Profile plain = counts.copy();
     plain.assimilateProfile(sizes, core::RelationKernel(CompoundExpressionXdyR));
-    DiceRelationCache cache;
+    testing::StandaloneRequest request;
+    DiceRelationCache cache(request.context);
     counts.assimilateProfile(sizes, cachedDiceRelation('d', cache));
     EXPECT_EQ(cache.size(), 6U);
     const auto expected = plain.evaluations();

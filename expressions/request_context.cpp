@@ -1,0 +1,117 @@
+#include "expressions/request_context.h"
+
+#include "core/calculation_limits.h"
+#include "core/evaluation.h"
+#include "expressions/expression.h"
+
+namespace talvex::language {
+
+namespace {
+
+// A combination of two profiles first lists every pair as an outcome, then sorts and merges
+// them: the list, the merged copy and the keys of the sort, per pair.
+constexpr std::uint64_t kBytesPerCombinedPair = 2 * sizeof(core::Evaluation) + 24;
+
+[[noreturn]] void throwTooMuchWork() {
+    throw core::CalculationTooLarge(
+        "it is too large to calculate: it needs more work than one calculation may take");
+}
+
+[[noreturn]] void throwTooMuchMemory() {
+    throw core::CalculationTooLarge(
+        "it is too large to calculate: it needs more memory than one calculation may take");
+}
+
+}  // namespace
+
+RequestContext::RequestContext(ExpressionDictionary& expressions, RequestLimits limits)
+    : m_expressions(expressions), m_limits(limits) {}
+
+void RequestContext::throwStopped() const {
+    if (stopReason() == StopReason::timedOut) {
+        throw core::CalculationTooLarge(
+            "it is too large to calculate: it did not finish within the time limit");
+    }
+    throw core::CalculationCancelled("Calculation cancelled");
+}
+
+void RequestContext::checkStopped() const {
+    if (stopReason() != StopReason::none) {
+        throwStopped();
+    }
+}
+
+void RequestContext::charge(std::uint64_t combinations) {
+    checkStopped();
+    // Only this thread writes the count; others merely read it for progress.
+    const std::uint64_t spentBefore = m_spent.load(std::memory_order_relaxed);
+    if (combinations > m_limits.work - std::min(spentBefore, m_limits.work)) {
+        m_spent.store(m_limits.work, std::memory_order_relaxed);
+        throwTooMuchWork();
+    }
+    m_spent.store(spentBefore + combinations, std::memory_order_relaxed);
+}
+
+void RequestContext::charge(double combinations) {
+    refuseBeyondRemaining(combinations);
+    charge(combinations <= 0 ? std::uint64_t{0} : static_cast<std::uint64_t>(combinations));
+}
+
+void RequestContext::refuseBeyondRemaining(double combinations) const {
+    checkStopped();
+    const std::uint64_t spentSoFar = spent();
+    const double remaining =
+        spentSoFar >= m_limits.work ? 0.0 : static_cast<double>(m_limits.work - spentSoFar);
+    // Also catches NaN and infinities, which no amount of work fits.
+    if (!(combinations <= remaining)) {
+        throwTooMuchWork();
+    }
+}
+
+void RequestContext::reserveOutcomes(double outcomes) const {
+    const double room = m_heldBytes >= m_limits.profileBytes
+                            ? 0.0
+                            : static_cast<double>(m_limits.profileBytes - m_heldBytes);
+    if (!(outcomes * static_cast<double>(sizeof(core::Evaluation)) <= room)) {
+        throwTooMuchMemory();
+    }
+}
+
+void RequestContext::chargeCombination(std::size_t left, std::size_t right) {
+    const double pairs = static_cast<double>(left) * static_cast<double>(right);
+    const double room = m_heldBytes >= m_limits.profileBytes
+                            ? 0.0
+                            : static_cast<double>(m_limits.profileBytes - m_heldBytes);
+    if (!(pairs * static_cast<double>(kBytesPerCombinedPair) <= room)) {
+        checkStopped();
+        throwTooMuchMemory();
+    }
+    charge(pairs + static_cast<double>(kCombinationOverhead));
+}
+
+void RequestContext::hold(std::size_t outcomes) noexcept {
+    m_heldBytes += static_cast<std::uint64_t>(outcomes) * sizeof(core::Evaluation);
+}
+
+void RequestContext::stop(StopReason reason) noexcept {
+    StopReason expected = StopReason::none;
+    m_stop.compare_exchange_strong(expected, reason, std::memory_order_relaxed);
+}
+
+double RequestContext::progress() const noexcept {
+    if (m_limits.work == 0) {
+        return 1.0;
+    }
+    const double share = static_cast<double>(spent()) / static_cast<double>(m_limits.work);
+    return share > 1.0 ? 1.0 : share;
+}
+
+void RequestContext::discardAdditions() {
+    for (const std::string& key : m_added) {
+        m_expressions.erase(key);
+    }
+    m_added.clear();
+    m_heldBytes = 0;
+}
+
+}  // namespace talvex::language
