@@ -52,18 +52,6 @@ std::string faultMessage(std::exception_ptr fault) {
     }
 }
 
-bool isCancellation(std::exception_ptr fault) {
-    try {
-        if (fault) {
-            std::rethrow_exception(fault);
-        }
-    } catch (const core::CalculationCancelled&) {
-        return true;
-    } catch (...) {
-    }
-    return false;
-}
-
 std::string shortenedForMessage(std::string_view text) {
     constexpr std::size_t kLongest = 80;
     if (text.size() <= kLongest) {
@@ -117,6 +105,16 @@ CalculationSession::Request::~Request() {
 }
 
 language::ExpressionPointer CalculationSession::build(std::string_view text) {
+    if (m_building) {
+        throw std::logic_error("a calculation is already under way");
+    }
+    struct Building {
+        bool& flag;
+        explicit Building(bool& building) : flag(building) { flag = true; }
+        ~Building() { flag = false; }
+        Building(const Building&) = delete;
+        Building& operator=(const Building&) = delete;
+    } building(m_building);
     const Request request(*this);
     language::RequestContext& context = *m_request;
     language::ExpressionPointer built;

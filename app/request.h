@@ -24,8 +24,6 @@ namespace talvex::app {
 // a calculation too large, a divider list that cannot be repaired, memory running out, a
 // cancelled request ("Calculation cancelled"), or anything else.
 [[nodiscard]] std::string faultMessage(std::exception_ptr fault);
-// Whether the fault is a cancelled request rather than a failure.
-[[nodiscard]] bool isCancellation(std::exception_ptr fault);
 
 // Where the builds of a request run. The desktop runs them on a worker thread and keeps the
 // window alive meanwhile; everything else runs them right where they are asked for.
@@ -111,6 +109,9 @@ class CalculationSession {
     }
     // Bytes of profiles the dictionary holds.
     [[nodiscard]] std::uint64_t heldProfileBytes() const;
+    // Whether a build is under way: the window thread waits in it while a worker builds, and
+    // nothing may start another meanwhile.
+    [[nodiscard]] bool isBuilding() const noexcept { return m_building; }
 
     // Builds the text and draws `rolls` random rolls from a copy of its profile. Throws what the
     // calculation throws, and CalculationTooLarge when the rolls would take too long.
@@ -136,6 +137,7 @@ class CalculationSession {
     InlineCalculationRunner m_inline;
     CalculationRunner* m_runner = &m_inline;
     std::optional<language::RequestContext> m_request;
+    bool m_building = false;
 };
 
 }  // namespace talvex::app

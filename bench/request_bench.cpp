@@ -38,6 +38,7 @@ class LaunchedWindow {
                                                               m_printer,
                                                               m_dialogs,
                                                               m_clock,
+                                                              m_runner,
                                                               {}},
                                               LaunchSettings{"/home/u/support", "0.1.0"});
         m_controller->applicationWillFinishLaunching();
@@ -64,6 +65,7 @@ class LaunchedWindow {
     fakes::FakePrintService m_printer;
     fakes::FakeFileDialogs m_dialogs;
     fakes::FakeClock m_clock;
+    talvex::app::InlineCalculationRunner m_runner;
     DefaultsStore m_defaults{m_domain};
     std::unique_ptr<TalvexContoller> m_controller;
 };

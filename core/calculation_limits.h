@@ -14,11 +14,14 @@ class CalculationTooLarge : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// What a cancelled request says.
+inline constexpr const char* kCalculationCancelled = "Calculation cancelled";
+
 // Thrown when a request is cancelled from outside (Cancel in the window, Ctrl-C in the
 // terminal): the request ends as if it had never started.
 class CalculationCancelled : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    CalculationCancelled() : std::runtime_error(kCalculationCancelled) {}
 };
 
 // Outcomes of one profile (a single die, for instance).

@@ -109,6 +109,10 @@ class Profile {
     void assimilateProfileWithoutNormalizing(const Profile& other, FunctionKernel function);
     void assimilateProfileWithoutNormalizing(const Profile& other, const RelationKernel& relation);
 
+    // Gives back the room the outcome list no longer uses (a combination makes room for every
+    // pair, and merging leaves far fewer): for profiles that are kept a long time.
+    void shrinkToFit() { m_evaluations.shrink_to_fit(); }
+
     // Draws one outcome at random (POSIX random()), records a copy in the history and returns
     // it. An empty profile draws an undefined outcome of weight zero.
     [[nodiscard]] Evaluation evaluation();

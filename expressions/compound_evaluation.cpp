@@ -119,6 +119,7 @@ Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
     }
     context.chargeCombination(counts.size(), sizes.size());
     checkDiceExpansionWork(counts, sizes, letter, context);
+    HeldOutcomes held(context);
     for (const Evaluation& count : counts) {
         for (const Evaluation& size : sizes) {
             const Decimal weight = count.weight() * size.weight();
@@ -128,7 +129,12 @@ Profile diceReexpansion(const Profile& left, const Profile& right, char letter,
             }
             // Each distinct text is built once per dictionary and shared after that.
             const std::string text = diceRelationText(letter, count.quantity(), size.quantity());
-            Profile dice = Expression::expressionWithString(text, context)->profile();
+            const ExpressionPointer built = Expression::expressionWithString(text, context);
+            // Copying and merging the dice in costs as much as their outcomes.
+            const std::size_t outcomes = built->profileView().evaluationCount();
+            held.set(result.evaluationCount() + outcomes);
+            context.charge(static_cast<std::uint64_t>(outcomes));
+            Profile dice = built->profile();
             dice.scaleToTotalWeight(weight);
             if (hasNoEvaluations(dice)) {
                 result.addQuantity(Decimal::notANumber(), weight);
@@ -186,9 +192,14 @@ void CompoundExpression::makeProfile(RequestContext& context) {
     if (m_subExpressions.empty() || m_subOperators.size() + 1 != m_subExpressions.size()) {
         return;
     }
+    // The copies of the operands and the results on the way are counted while they live.
+    HeldOutcomes held(context);
+    std::size_t live = 0;
     std::vector<Profile> profiles;
     profiles.reserve(m_subExpressions.size());
     for (const ExpressionPointer& operand : m_subExpressions) {
+        live += operand->profileView().evaluationCount();
+        held.set(live);
         profiles.push_back(operand->profile());
     }
     std::vector<char> operators = m_subOperators;
@@ -209,7 +220,10 @@ void CompoundExpression::makeProfile(RequestContext& context) {
                 std::vector<Profile> pair;
                 pair.push_back(std::move(keptProfiles.back()));
                 pair.push_back(std::move(profiles[i + 1]));
+                const std::size_t before = pair[0].evaluationCount() + pair[1].evaluationCount();
                 keptProfiles.back() = combineProfiles(std::move(pair), operators[i], context);
+                live = live - std::min(live, before) + keptProfiles.back().evaluationCount();
+                held.set(live);
             } else {
                 keptOperators.push_back(operators[i]);
                 keptProfiles.push_back(std::move(profiles[i + 1]));

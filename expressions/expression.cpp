@@ -75,6 +75,8 @@ ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_vie
     }
     self.makeProfile(context);
     self.m_profile.setTitleString(self.m_rawString);
+    // The dictionary keeps it for the rest of the session.
+    self.m_profile.shrinkToFit();
     if (expressions.try_emplace(self.m_rawString, blank).second) {
         context.m_added.push_back(self.m_rawString);
         context.hold(self.heldOutcomes());

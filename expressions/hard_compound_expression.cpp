@@ -98,6 +98,7 @@ void HardCompoundExpression::makeProfile(RequestContext& context) {
         Profile part =
             expressionWithString(name + "=" + fixed + ";" + remaining, context)->profile();
         part.scaleToTotalWeight(outcome.weight());
+        context.chargeCombination(part.evaluationCount(), 1);
         result.addEvaluations(part.evaluations());
         comparator = part.comparatorString();
     }

@@ -11,6 +11,8 @@ namespace {
 // A combination of two profiles first lists every pair as an outcome, then sorts and merges
 // them: the list, the merged copy and the keys of the sort, per pair.
 constexpr std::uint64_t kBytesPerCombinedPair = 2 * sizeof(core::Evaluation) + 24;
+// A kept outcome, with what the allocator and the list around it take.
+constexpr std::uint64_t kBytesPerHeldOutcome = sizeof(core::Evaluation) + 16;
 
 [[noreturn]] void throwTooMuchWork() {
     throw core::CalculationTooLarge(
@@ -32,7 +34,7 @@ void RequestContext::throwStopped() const {
         throw core::CalculationTooLarge(
             "it is too large to calculate: it did not finish within the time limit");
     }
-    throw core::CalculationCancelled("Calculation cancelled");
+    throw core::CalculationCancelled();
 }
 
 void RequestContext::checkStopped() const {
@@ -72,7 +74,7 @@ void RequestContext::reserveOutcomes(double outcomes) const {
     const double room = m_heldBytes >= m_limits.profileBytes
                             ? 0.0
                             : static_cast<double>(m_limits.profileBytes - m_heldBytes);
-    if (!(outcomes * static_cast<double>(sizeof(core::Evaluation)) <= room)) {
+    if (!(outcomes * static_cast<double>(kBytesPerHeldOutcome) <= room)) {
         throwTooMuchMemory();
     }
 }
@@ -90,7 +92,22 @@ void RequestContext::chargeCombination(std::size_t left, std::size_t right) {
 }
 
 void RequestContext::hold(std::size_t outcomes) noexcept {
-    m_heldBytes += static_cast<std::uint64_t>(outcomes) * sizeof(core::Evaluation);
+    m_heldBytes += static_cast<std::uint64_t>(outcomes) * kBytesPerHeldOutcome;
+}
+
+void RequestContext::release(std::size_t outcomes) noexcept {
+    const std::uint64_t bytes = static_cast<std::uint64_t>(outcomes) * kBytesPerHeldOutcome;
+    m_heldBytes = bytes > m_heldBytes ? 0 : m_heldBytes - bytes;
+}
+
+void HeldOutcomes::set(std::size_t outcomes) {
+    if (outcomes > m_outcomes) {
+        m_context.reserveOutcomes(static_cast<double>(outcomes - m_outcomes));
+        m_context.hold(outcomes - m_outcomes);
+    } else {
+        m_context.release(m_outcomes - outcomes);
+    }
+    m_outcomes = outcomes;
 }
 
 void RequestContext::stop(StopReason reason) noexcept {

@@ -13,7 +13,7 @@ class ExpressionDictionary;
 // Work is counted in combinations of two outcomes (one kernel call on a pair, one step of an
 // enumeration), the unit in which every construction and kernel measures what it does. This
 // many take about ten seconds on a current desktop: the most one request may spend.
-inline constexpr std::uint64_t kMaxRequestWork = 60'000'000;
+inline constexpr std::uint64_t kMaxRequestWork = 40'000'000;
 // Memory of the profiles one request may hold at once: those it built and keeps in the
 // dictionary and the ones being combined. About 1 GB, so that with everything else the process
 // stays well under 1.5 GB.
@@ -70,8 +70,10 @@ class RequestContext {
     void chargeCombination(std::size_t left, std::size_t right);
     // Throws when `outcomes` new outcomes would not fit beside what the request holds.
     void reserveOutcomes(double outcomes) const;
-    // Records outcomes the request keeps (a profile entering the dictionary).
+    // Records outcomes the request keeps (a profile entering the dictionary), and gives back
+    // ones it no longer keeps.
     void hold(std::size_t outcomes) noexcept;
+    void release(std::size_t outcomes) noexcept;
     [[nodiscard]] std::uint64_t heldBytes() const noexcept { return m_heldBytes; }
 
     // --- Stopping, from any thread -----------------------------------------------------------
@@ -106,6 +108,23 @@ class RequestContext {
     std::uint64_t m_heldBytes = 0;
     std::size_t m_constructionDepth = 0;
     std::vector<std::string> m_added;
+};
+
+// Outcomes a construction keeps for a while besides the dictionary's (copies of its operands,
+// results on the way), counted against the request's memory while it keeps them.
+class HeldOutcomes {
+  public:
+    explicit HeldOutcomes(RequestContext& context) noexcept : m_context(context) {}
+    ~HeldOutcomes() { m_context.release(m_outcomes); }
+    HeldOutcomes(const HeldOutcomes&) = delete;
+    HeldOutcomes& operator=(const HeldOutcomes&) = delete;
+
+    // Now `outcomes` in all; throws, as reserveOutcomes, when more would not fit.
+    void set(std::size_t outcomes);
+
+  private:
+    RequestContext& m_context;
+    std::size_t m_outcomes = 0;
 };
 
 }  // namespace talvex::language

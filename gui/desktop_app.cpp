@@ -3,8 +3,10 @@
 #include <QApplication>
 #include <QFile>
 #include <QStandardPaths>
+#include <QTimer>
 
 #include "gui/application_icon.h"
+#include "gui/busy_state.h"
 #include "gui/file_dialogs.h"
 #include "gui/list_panels.h"
 #include "gui/log_window.h"
@@ -48,6 +50,9 @@ DesktopApp::DesktopApp(app::LaunchSettings settings)
     app::TalvexContoller::initialize(m_defaults, readRegistrationDefaults());
 
     m_window = std::make_unique<MainWindow>();
+    m_busy = new BusyState(*m_window, m_window->rollButton());
+    m_runner = std::make_unique<app::BackgroundRunner>(*m_busy);
+    m_busy->setRunner(*m_runner);
     m_settingsDialog = new SettingsDialog(m_window.get());
     m_panel = std::make_unique<DialogSettingsPanel>(*m_settingsDialog);
     m_alerts = std::make_unique<MessageBoxAlerts>(*m_window);
@@ -58,9 +63,9 @@ DesktopApp::DesktopApp(app::LaunchSettings settings)
     m_controller = std::make_unique<app::TalvexContoller>(
         app::ControllerPorts{*m_window, *m_panel, *m_alerts, *m_shell, m_defaults, m_files,
                              *m_listPanels, m_window->logWindow(), *m_printer, *m_dialogs, m_clock,
-                             [] { return sampleExpressions(); }},
+                             *m_runner, [] { return sampleExpressions(); }},
         m_settings);
-    m_window->bind(*m_controller, *m_shell);
+    m_window->bind(*m_controller, *m_shell, *m_runner);
     m_settingsDialog->bind(*m_controller);
 }
 
@@ -76,6 +81,16 @@ void DesktopApp::finish() {
     }
     m_finished = true;
     m_controller->applicationWillTerminate();
+}
+
+void DesktopApp::whenIdle(std::function<void()> work) {
+    if (!m_runner->isBusy()) {
+        work();
+        return;
+    }
+    m_runner->cancel();
+    QTimer::singleShot(20, m_window.get(),
+                       [this, work = std::move(work)]() mutable { whenIdle(std::move(work)); });
 }
 
 int DesktopApp::exec() {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "app/background_runner.h"
 #include "app/controller/talvex_controller.h"
 #include "app/defaults_store.h"
 #include "app/file_system.h"
@@ -13,6 +14,7 @@
 
 namespace talvex::gui {
 
+class BusyState;
 class DialogListPanels;
 class DialogSettingsPanel;
 class QtFileDialogs;
@@ -62,6 +64,10 @@ class DesktopApp {
     [[nodiscard]] app::TalvexContoller& controller() { return *m_controller; }
     [[nodiscard]] app::DefaultsStore& defaults() { return m_defaults; }
     [[nodiscard]] const app::LaunchSettings& launchSettings() const { return m_settings; }
+    [[nodiscard]] app::BackgroundRunner& runner() { return *m_runner; }
+    // Runs `work` once no calculation runs, cancelling the one that does: how a request to
+    // quit from outside (a signal) waits for the worker.
+    void whenIdle(std::function<void()> work);
 
   private:
     app::LaunchSettings m_settings;
@@ -74,6 +80,8 @@ class DesktopApp {
     std::unique_ptr<MainWindow> m_window;
     // Owned by the main window.
     SettingsDialog* m_settingsDialog = nullptr;
+    BusyState* m_busy = nullptr;
+    std::unique_ptr<app::BackgroundRunner> m_runner;
     std::unique_ptr<DialogSettingsPanel> m_panel;
     std::unique_ptr<MessageBoxAlerts> m_alerts;
     std::unique_ptr<ShellWindows> m_shell;

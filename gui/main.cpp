@@ -78,8 +78,9 @@ int main(int argc, char* argv[]) {
     // run leaves that mark behind after a logout; a signal during the launch is acted on once
     // an event loop runs (the crash alert's, or the application's).
     talvex::gui::TerminationSignals termination;
-    QObject::connect(&termination, &talvex::gui::TerminationSignals::received, &desktop.window(),
-                     [&desktop] { desktop.controller().TalvexQuit(); });
+    QObject::connect(
+        &termination, &talvex::gui::TerminationSignals::received, &desktop.window(),
+        [&desktop] { desktop.whenIdle([&desktop] { desktop.controller().TalvexQuit(); }); });
     desktop.launch();
     if (desktop.terminationRequested()) {
         // The crash alert's factory reset (or a signal while it was shown) ends the run before

@@ -20,6 +20,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "app/background_runner.h"
 #include "app/controller/controller_state.h"
 #include "app/controller/talvex_controller.h"
 #include "gui/log_window.h"
@@ -404,13 +405,22 @@ void MainWindow::buildMenus() {
     m_aboutAction->setMenuRole(QAction::AboutRole);
 }
 
-void MainWindow::bind(app::TalvexContoller& controller, ShellWindows& shell) {
+void MainWindow::bind(app::TalvexContoller& controller, ShellWindows& shell,
+                      app::BackgroundRunner& runner) {
     m_controller = &controller;
     m_shell = &shell;
+    m_runner = &runner;
     app::TalvexContoller* c = &controller;
 
     connect(m_expressionField, &QLineEdit::returnPressed, this, [c] { c->roll(); });
-    connect(m_rollButton, &QPushButton::clicked, this, [c] { c->roll(); });
+    // While a calculation runs the button reads "Cancel" and stops it.
+    connect(m_rollButton, &QPushButton::clicked, this, [this, c] {
+        if (m_runner->isBusy()) {
+            m_runner->cancel();
+        } else {
+            c->roll();
+        }
+    });
     connect(m_rollAction, &QAction::triggered, this, [c] { c->roll(); });
     // `activated` comes from the person only, so the controller's own selections do not
     // re-enter it.

@@ -22,8 +22,9 @@ class QTextEdit;
 class QTimer;
 
 namespace talvex::app {
+class BackgroundRunner;
 class TalvexContoller;
-}
+}  // namespace talvex::app
 
 namespace talvex::gui {
 
@@ -56,7 +57,9 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
 
     // Connects the widgets and menus to the controller and the application's other windows;
     // both must outlive the window.
-    void bind(app::TalvexContoller& controller, ShellWindows& shell);
+    void bind(app::TalvexContoller& controller, ShellWindows& shell, app::BackgroundRunner& runner);
+    // The Roll button; it reads "Cancel" while a calculation runs.
+    [[nodiscard]] QPushButton& rollButton() { return *m_rollButton; }
 
     // The log window; the window owns it.
     [[nodiscard]] LogWindow& logWindow() { return *m_logWindow; }
@@ -119,6 +122,7 @@ class MainWindow final : public QMainWindow, public app::MainWindow {
     static constexpr std::size_t kFieldCount = app::kDisplayPairCount;
 
     app::TalvexContoller* m_controller = nullptr;
+    app::BackgroundRunner* m_runner = nullptr;
     ShellWindows* m_shell = nullptr;
 
     QLineEdit* m_expressionField = nullptr;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/calculation_limits.h"
+
 namespace talvex::app {
 
 namespace {
@@ -109,6 +111,13 @@ void Requests::showRoll() {
 }
 
 void Requests::roll() {
+    // While a request runs, the window waits for it and handles only Cancel; nothing starts
+    // another one.
+    if (m_state.session.isBuilding()) {
+        return;
+    }
+    // Every build of this request shares one budget and is cancelled as one.
+    const CalculationSession::Request request(m_state.session);
     // 1. What the request starts from, to restore should the calculation fail.
     const bool displayingOnEntry = m_state.displaying;
     const auto previous = m_state.expression;
@@ -203,8 +212,10 @@ void Requests::roll() {
         m_state.compareExpression = previousCompare;
         m_state.lastExpressionTitle = previousExpressionTitle;
         m_state.displaying = displayingOnEntry;
-        m_window.showMessage("Cannot calculate \"" + shortenedForMessage(text) + "\": " + *problem +
-                             ".");
+        m_window.showMessage(*problem == core::kCalculationCancelled
+                                 ? *problem + "."
+                                 : "Cannot calculate \"" + shortenedForMessage(text) +
+                                       "\": " + *problem + ".");
         return;
     }
     m_window.showMessage("");
@@ -238,6 +249,10 @@ void Requests::compareSelect() {
     if (selected == m_state.lastCompareExpressionTitle) {
         return;
     }
+    if (m_state.session.isBuilding()) {
+        return;
+    }
+    const CalculationSession::Request request(m_state.session);
     m_window.setFieldText(TextField::expression, m_window.selectedPopUpTitle(PopUp::expression));
     const auto built = attempt([&] {
         m_state.compareExpression = m_state.session.build(prepareUserExpressionString(selected));

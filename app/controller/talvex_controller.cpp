@@ -46,7 +46,9 @@ TalvexContoller::TalvexContoller(const ControllerPorts& ports, LaunchSettings se
                                m_state, m_prefer, m_history, m_requests, m_log, m_lists},
                 std::move(settings)),
       m_exproter(KVTXExproter::Parts{ports.window, ports.dialogs, ports.files, ports.alerts,
-                                     ports.clock, m_lists, m_log}) {}
+                                     ports.clock, m_lists, m_log}) {
+    m_state.session.setRunner(&ports.runner);
+}
 
 template <typename Work>
 void TalvexContoller::guarded(Work&& work) {

@@ -33,6 +33,8 @@ struct ControllerPorts {
     PrintService& printer;
     FileDialogs& dialogs;
     const Clock& clock;
+    // Where the builds of a request run.
+    CalculationRunner& runner;
     // The application's own copy of the "Sample Expressions" list, when it has one.
     std::function<std::optional<std::string>()> sampleList;
 };

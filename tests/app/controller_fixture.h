@@ -30,9 +30,19 @@ class ControllerTest : public ::testing::Test {
 
     // The world around the controller, on the fakes.
     [[nodiscard]] ControllerPorts ports() {
-        return ControllerPorts{*window,   *panel,  alerts,     shell,
-                               *defaults, files,   listPanels, logWindow,
-                               printer,   dialogs, clock,      [this] { return sampleList; }};
+        return ControllerPorts{*window,
+                               *panel,
+                               alerts,
+                               shell,
+                               *defaults,
+                               files,
+                               listPanels,
+                               logWindow,
+                               printer,
+                               dialogs,
+                               clock,
+                               runner,
+                               [this] { return sampleList; }};
     }
 
     [[nodiscard]] std::string logText() const { return controller->log().text().string(); }
@@ -60,6 +70,7 @@ class ControllerTest : public ::testing::Test {
     fakes::FakePrintService printer;
     fakes::FakeFileDialogs dialogs;
     fakes::FakeClock clock;
+    InlineCalculationRunner runner;
     // What the application ships as its sample list (none in most tests).
     std::optional<std::string> sampleList;
     std::unique_ptr<DefaultsStore> defaults;
