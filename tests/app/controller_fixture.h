@@ -41,7 +41,7 @@ class ControllerTest : public ::testing::Test {
                                printer,
                                dialogs,
                                clock,
-                               runner,
+                               *runnerInUse,
                                [this] { return sampleList; }};
     }
 
@@ -71,6 +71,8 @@ class ControllerTest : public ::testing::Test {
     fakes::FakeFileDialogs dialogs;
     fakes::FakeClock clock;
     InlineCalculationRunner runner;
+    // Where the controller's builds run; a test may swap in another before relaunching.
+    CalculationRunner* runnerInUse = &runner;
     // What the application ships as its sample list (none in most tests).
     std::optional<std::string> sampleList;
     std::unique_ptr<DefaultsStore> defaults;
