@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds Talvex and runs the whole test suite.
-# Usage: ./test.sh [PRESET]    PRESET is one of dev, release, asan-ubsan, ci (default: ci).
+# Usage: ./test.sh [PRESET]    PRESET is one of dev, release, asan-ubsan, tsan, ci (default: ci).
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/ensure_packages.sh

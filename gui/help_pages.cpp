@@ -18,6 +18,11 @@ constexpr const char* kOverview = R"(
 <tr><td><code>3d6 vs 2d10</code></td><td>which of the two rolls higher</td></tr>
 </table>
 <p>Every example in this help can be copied into the expression field.</p>
+<p>Most expressions take a moment. A very large one (hundreds of dice with many sides, a
+million-sided die combined many times) shows a progress bar and turns <b>Roll</b> into
+<b>Cancel</b>: click it or press <b>Esc</b> to stop, and the previous results stay. One
+calculation may take about ten seconds of work and about 1 GB of memory; beyond that it stops
+and says that the expression is too large to calculate.</p>
 
 <h3>What the window shows</h3>
 <ul>
@@ -203,6 +208,7 @@ constexpr const char* kWindow = R"(
 <h2>The window</h2>
 <table cellspacing="0" cellpadding="3">
 <tr><td><b>Return</b>, Ctrl+R</td><td>calculate the expression (or roll it again)</td></tr>
+<tr><td>Esc</td><td>stop a long calculation (as <b>Cancel</b> does)</td></tr>
 <tr><td>Ctrl+[ or Alt+Left</td><td>back to the previous request</td></tr>
 <tr><td>Ctrl+] or Alt+Right</td><td>forward again</td></tr>
 <tr><td>Ctrl+Up, Ctrl+Down</td><td>the expression above or below in the pop-up (with Shift:
