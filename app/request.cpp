@@ -65,6 +65,38 @@ std::string shortenedForMessage(std::string_view text) {
     return std::string(text.substr(0, cut)) + "...";
 }
 
+void CalculationSession::runInRequest(const std::function<void()>& work) {
+    if (m_building) {
+        throw std::logic_error("a calculation is already under way");
+    }
+    struct Building {
+        bool& flag;
+        explicit Building(bool& building) : flag(building) { flag = true; }
+        ~Building() { flag = false; }
+        Building(const Building&) = delete;
+        Building& operator=(const Building&) = delete;
+    } building(m_building);
+    const Request request(*this);
+    language::RequestContext& context = *m_request;
+    try {
+        m_runner->run(context, [&] {
+            struct OnThisThread {
+                std::atomic<std::thread::id>& thread;
+                explicit OnThisThread(std::atomic<std::thread::id>& t) : thread(t) {
+                    thread.store(std::this_thread::get_id());
+                }
+                ~OnThisThread() { thread.store(std::thread::id{}); }
+                OnThisThread(const OnThisThread&) = delete;
+                OnThisThread& operator=(const OnThisThread&) = delete;
+            } onThisThread(m_workThread);
+            work();
+        });
+    } catch (...) {
+        context.discardAdditions();
+        throw;
+    }
+}
+
 void CalculationSession::pin(const std::string& key, language::ExpressionPointer expression) {
     m_expressions[key] = expression;
     std::erase_if(m_pinned, [&key](const auto& pinned) { return pinned.first == key; });
@@ -105,6 +137,9 @@ CalculationSession::Request::~Request() {
 }
 
 language::ExpressionPointer CalculationSession::build(std::string_view text) {
+    if (m_workThread.load() == std::this_thread::get_id()) {
+        return language::Expression::expressionWithString(text, *m_request);
+    }
     if (m_building) {
         throw std::logic_error("a calculation is already under way");
     }

@@ -4,11 +4,13 @@
 // against a dictionary kept for the whole session, draw rolls, render reports, and turn any
 // fault into a plain sentence.
 
+#include <atomic>
 #include <exception>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -94,8 +96,13 @@ class CalculationSession {
     };
 
     // Builds (or finds) the expression for the text, through the runner, within the current
-    // request. Throws what the calculation throws.
+    // request. Throws what the calculation throws. Called from work that runInRequest runs, it
+    // builds right there, on that work's thread.
     [[nodiscard]] language::ExpressionPointer build(std::string_view text);
+    // Runs `work` (reports, say) through the runner within the current request, as a build
+    // runs: the window stays alive meanwhile, and Cancel stops what the work builds. The work
+    // must not touch the window.
+    void runInRequest(const std::function<void()>& work);
 
     // Where builds run; the session does not own it. Null restores running them in place.
     void setRunner(CalculationRunner* runner) noexcept {
@@ -138,6 +145,8 @@ class CalculationSession {
     CalculationRunner* m_runner = &m_inline;
     std::optional<language::RequestContext> m_request;
     bool m_building = false;
+    // The thread running work of runInRequest, whose builds need no runner of their own.
+    std::atomic<std::thread::id> m_workThread{};
 };
 
 }  // namespace talvex::app

@@ -32,7 +32,25 @@ void writeStyledText(QTextDocument& document, const core::StyledText& text) {
     document.clear();
     QTextCursor cursor(&document);
     cursor.beginEditBlock();
-    const std::string_view all = text.string();
+    // A report of a million outcomes runs to megabytes (its mode alone lists every value);
+    // laying that out would keep the window busy for many seconds, so a text view shows its
+    // beginning, up to a whole line, and says how much it leaves out.
+    std::string_view all = text.string();
+    std::size_t leftOut = 0;
+    if (all.size() > kMaxShownCharacters) {
+        // At the end of a line when one ends near the limit; inside a very long line (a mode of
+        // a million values) at the limit, never inside a UTF-8 character.
+        const std::size_t lineEnd = all.rfind('\n', kMaxShownCharacters);
+        std::size_t cut = kMaxShownCharacters;
+        if (lineEnd != std::string_view::npos && kMaxShownCharacters - lineEnd < 2000) {
+            cut = lineEnd + 1;
+        }
+        while (cut > 0 && (static_cast<unsigned char>(all[cut]) & 0xC0U) == 0x80U) {
+            --cut;
+        }
+        leftOut = all.size() - cut;
+        all = all.substr(0, cut);
+    }
     bool paragraphStart = true;
     const auto write = [&](std::string_view piece,
                            const std::optional<core::TextAttributes>& attributes) {
@@ -60,14 +78,21 @@ void writeStyledText(QTextDocument& document, const core::StyledText& text) {
     };
     std::size_t written = 0;
     for (const core::StyledRun& run : text.runs()) {
+        if (run.start >= all.size()) {
+            break;
+        }
         if (run.start > written) {
             write(all.substr(written, run.start - written), std::nullopt);
         }
         write(all.substr(run.start, run.length), run.attributes);
-        written = run.start + run.length;
+        written = std::min(run.start + run.length, all.size());
     }
     if (written < all.size()) {
         write(all.substr(written), std::nullopt);
+    }
+    if (leftOut > 0) {
+        const std::string note = "\n… " + std::to_string(leftOut) + " more characters not shown.";
+        write(note, std::nullopt);
     }
     cursor.endEditBlock();
 }

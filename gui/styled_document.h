@@ -11,8 +11,11 @@ namespace talvex::gui {
 
 // Replaces the document's content with the styled text: each run in its foreground colour, and
 // each paragraph centred when its first character asks for centring (as a paragraph style
-// applies to a whole paragraph).
+// applies to a whole paragraph). Only the first kMaxShownCharacters (to a whole line) are
+// shown, with a last line that says how many more there are.
 void writeStyledText(QTextDocument& document, const core::StyledText& text);
+
+inline constexpr std::size_t kMaxShownCharacters = 200'000;
 
 // The font of every report: reports line up their columns with blanks and tabs.
 [[nodiscard]] QFont reportFont();

@@ -84,6 +84,9 @@ Displays::Profiles Displays::currentProfiles() const {
 }
 
 void Displays::updateHeight() {
+    if (m_heightHeld) {
+        return;
+    }
     const double frameHeight = std::floor(m_window.tableFieldHeight());
     m_state.height = static_cast<int>(frameHeight / 17.0 - 2.0);
 }

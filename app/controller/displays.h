@@ -52,6 +52,9 @@ class Displays {
                                           int height, bool comparison) const;
 
     void updateHeight();
+    // While held, the height stays as it was last read: the reports may then be calculated away
+    // from the window's thread, which alone may ask the window.
+    void holdHeight(bool held) noexcept { m_heightHeld = held; }
     // Each of these calculates into the frame; nothing reaches the window.
     void profile(DisplayFrame& frame);
     void tableCompare(DisplayFrame& frame);
@@ -105,6 +108,7 @@ class Displays {
     MainWindow& m_window;
     Preferencer& m_prefer;
     ControllerState& m_state;
+    bool m_heightHeld = false;
 };
 
 }  // namespace talvex::app

@@ -172,14 +172,32 @@ void Requests::roll() {
                 m_state.compareExpression = previous;
                 m_window.selectPopUpTitle(PopUp::compare, m_state.lastExpressionTitle);
             }
-            // Every report is calculated before anything is recorded or shown.
+            // Every report is calculated before anything is recorded or shown, on the worker
+            // (a million outcomes take a while to report), while the window stays alive.
             DisplayFrame frame;
-            m_displays.displayAll(frame);
+            core::StyledText logReport;
+            const bool comparison = m_displays.isComparison();
+            m_displays.updateHeight();
+            struct HeightHold {
+                Displays& displays;
+                explicit HeightHold(Displays& d) : displays(d) { displays.holdHeight(true); }
+                ~HeightHold() { displays.holdHeight(false); }
+                HeightHold(const HeightHold&) = delete;
+                HeightHold& operator=(const HeightHold&) = delete;
+            };
+            {
+                const HeightHold hold(m_displays);
+                m_state.session.runInRequest([&] {
+                    m_displays.displayAll(frame);
+                    if (logFlag) {
+                        core::Profile profile = m_state.expression->profileView();
+                        logReport = m_displays.report(profile, "log", kViewHeight, comparison);
+                    }
+                });
+            }
             m_history.makeHistory();
             if (logFlag) {
-                core::Profile profile = m_state.expression->profileView();
-                m_log.log(m_displays.report(profile, "log", kViewHeight, m_displays.isComparison()),
-                          m_window.isChecked(CheckBox::log));
+                m_log.log(logReport, m_window.isChecked(CheckBox::log));
                 m_state.rollIndex = m_log.printIndex() - RequestLog::kSeparatorLength - 2;
             }
             frame.apply(m_window);

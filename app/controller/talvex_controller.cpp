@@ -75,7 +75,7 @@ bool TalvexContoller::windowShouldClose(bool isMainWindow) {
 
 void TalvexContoller::windowDidResize() {
     if (m_state.lastRoll.lastFunctionString == "blank" || !m_state.expression ||
-        !m_state.compareExpression) {
+        !m_state.compareExpression || m_state.session.isBuilding()) {
         return;
     }
     guarded([this] {

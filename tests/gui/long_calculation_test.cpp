@@ -8,6 +8,7 @@
 #include <QTimer>
 
 #include "gui/gui_fixture.h"
+#include "gui/styled_document.h"
 
 namespace talvex::gui::testing {
 namespace {
@@ -99,6 +100,31 @@ TEST_F(LongCalculationTest, NothingTypedWhileBusyStartsAnotherRequest) {
     EXPECT_EQ(statusMessage(), QStringLiteral("Calculation cancelled."));
     EXPECT_EQ(expressionField()->text(), longText());
     EXPECT_EQ(shown("statisticsField"), statistics);
+}
+
+}  // namespace
+}  // namespace talvex::gui::testing
+
+namespace talvex::gui::testing {
+namespace {
+
+class HugeReportTest : public GuiTest {
+  protected:
+    void SetUp() override { start(); }
+};
+
+TEST_F(HugeReportTest, AFieldShowsTheBeginningOfAHugeTextAndSaysHowMuchItLeavesOut) {
+    std::string text;
+    for (int i = 0; text.size() < 3 * kMaxShownCharacters; ++i) {
+        text += "line " + std::to_string(i) + "\n";
+    }
+    window().setFieldAttributedText(app::TextField::statistics, core::StyledText(text));
+    const QString shownText = shown("statisticsField");
+    EXPECT_TRUE(shownText.startsWith(QStringLiteral("line 0\nline 1\n")));
+    EXPECT_LT(static_cast<std::size_t>(shownText.size()), kMaxShownCharacters + 100);
+    EXPECT_TRUE(shownText.endsWith(QStringLiteral(" more characters not shown.")));
+    // The controller still sees the whole text it wrote.
+    EXPECT_EQ(window().fieldAttributedText(app::TextField::statistics).string(), text);
 }
 
 }  // namespace
