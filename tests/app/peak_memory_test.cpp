@@ -52,6 +52,12 @@ std::vector<std::string> largestTexts() {
         "dieMult(1d6,1000000000)",
         "(1d6)d1000000",
         repeated("abs(", 1600) + "1" + repeated(")", 1600),
+        // The parser fuzzer's slowest inputs.
+        "9d813",
+        "3e&14d6d63",
+        "1d61d61e5d61exv1/71e5d61exv1/7",
+        "35d3d22e2e6\xa4",
+        "3d2200e0vs ",
     };
 }
 
