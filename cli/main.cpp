@@ -77,15 +77,8 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
     const auto problem = talvex::app::attempt([&] {
         auto result = session.calculate(text, settings.rolls);
         if (settings.json) {
-            auto object = talvex::cli::profileJson(result.expression->rawString(), result.profile);
-            object["statistics"] = talvex::cli::statisticsJson(result.profile);
-            if (settings.rolls > 0) {
-                object["rolls"] = talvex::cli::rollsJson(result.rolls);
-            }
-            // Text that is not valid UTF-8 is shown with replacement characters, not refused.
-            std::cout << object.dump(-1, ' ', false,
-                                     nlohmann::ordered_json::error_handler_t::replace)
-                      << '\n';
+            talvex::cli::writeResultJson(std::cout, result.expression->rawString(), result.profile,
+                                         settings.rolls > 0 ? &result.rolls : nullptr);
         } else {
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
