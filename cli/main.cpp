@@ -13,6 +13,7 @@
 #include "app/startup.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
+#include "cli/request_watch.h"
 #include "cli/terminal_output.h"
 #include "core/report_options.h"
 #include "core/styles.h"
@@ -92,10 +93,12 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
             std::cout << talvex::cli::terminalText(report, settings.colour);
         }
     });
+    // What is finished goes out before the next calculation starts: Ctrl-C then loses nothing
+    // of it, and a reader of the pipe sees each result as it comes.
+    std::cout.flush();
     if (!problem) {
         return true;
     }
-    std::cout.flush();
     std::cerr << "talvex-cli: cannot calculate \"" << talvex::app::shortenedForMessage(text)
               << "\": " << *problem << '\n';
     return false;
@@ -155,6 +158,10 @@ int main(int argc, char** argv) {
         return kExitUsage;
     }
 
+    // From here on Ctrl-C cancels the expression being calculated, or ends the program when
+    // none is; no other thread may start before this one blocks SIGINT.
+    talvex::cli::RequestWatch watch;
+
     talvex::language::KVTXInitializeDefinitions();
     if (settings.seed) {
         srandom(static_cast<unsigned>(*settings.seed));
@@ -164,11 +171,15 @@ int main(int argc, char** argv) {
     }
     // One session for the whole run, so that what one expression built serves the next ones.
     CalculationSession session;
+    session.setRunner(&watch);
     bool allCalculated = true;
     for (const std::string& text : settings.expressions) {
         if (!evaluate(text, settings, session)) {
             allCalculated = false;
         }
+    }
+    if (watch.interrupted()) {
+        return talvex::cli::RequestWatch::kInterruptedStatus;
     }
     return allCalculated ? EXIT_SUCCESS : kExitCalculationFailed;
 }
