@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
@@ -29,6 +31,7 @@ constexpr int kExitCalculationFailed = 3;
 struct Settings {
     std::vector<std::string> expressions;
     bool json = false;
+    std::optional<double> timeout;
     std::optional<long long> seed;
     int rolls = 0;
     bool colour = false;
@@ -65,6 +68,17 @@ std::vector<std::string> readExpressions(std::istream& input) {
         }
     }
     return lines;
+}
+
+// A positive, finite number of seconds. CLI::PositiveNumber would let "nan" through.
+std::string checkSeconds(const std::string& text) {
+    double seconds = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+    if (error != std::errc() || stop != end || !std::isfinite(seconds) || seconds <= 0) {
+        return "must be a positive number of seconds, such as 10 or 0.5";
+    }
+    return {};
 }
 
 bool shouldColourOutput(const std::string& mode) {
@@ -115,6 +129,11 @@ int main(int argc, char** argv) {
                    "line, when none are given; put -- before an expression that starts with -)");
     app.add_flag("--json", settings.json, "Print one JSON object per expression (JSON Lines)");
     app.add_option("--seed", settings.seed, "Seed the random generator for the rolls");
+    app.add_option("--timeout", settings.timeout,
+                   "Stop each expression that has calculated for SECONDS (fractions allowed); "
+                   "it is reported as too large and the others are still calculated")
+        ->type_name("SECONDS")
+        ->check(CLI::Validator(checkSeconds, ""));
     app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
         ->check(CLI::Range(0, 1000000));
     std::vector<std::string> sections;
@@ -160,7 +179,11 @@ int main(int argc, char** argv) {
 
     // From here on Ctrl-C cancels the expression being calculated, or ends the program when
     // none is; no other thread may start before this one blocks SIGINT.
-    talvex::cli::RequestWatch watch;
+    std::optional<talvex::cli::RequestWatch::Seconds> timeLimit;
+    if (settings.timeout) {
+        timeLimit = talvex::cli::RequestWatch::Seconds(*settings.timeout);
+    }
+    talvex::cli::RequestWatch watch(timeLimit);
 
     talvex::language::KVTXInitializeDefinitions();
     if (settings.seed) {

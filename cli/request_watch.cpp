@@ -3,7 +3,9 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <ctime>
 #include <system_error>
 
 namespace talvex::cli {
@@ -17,9 +19,20 @@ sigset_t interruptSignals() {
     return signals;
 }
 
+timespec timespecOf(std::chrono::nanoseconds duration) {
+    const auto whole = std::chrono::duration_cast<std::chrono::seconds>(duration);
+    return {static_cast<std::time_t>(whole.count()), static_cast<long>((duration - whole).count())};
+}
+
 }  // namespace
 
-RequestWatch::RequestWatch() {
+RequestWatch::RequestWatch(std::optional<Seconds> timeLimit) {
+    if (timeLimit) {
+        // Below a millisecond the watcher would wake without pause while nothing runs; beyond
+        // years a limit is no limit, and the clock's arithmetic must not overflow.
+        const Seconds bounded = std::clamp(*timeLimit, Seconds(1e-3), Seconds(1e8));
+        m_timeLimit = std::chrono::duration_cast<Clock::duration>(bounded);
+    }
     struct sigaction current {};
     m_interruptsIgnored =
         sigaction(SIGINT, nullptr, &current) == 0 && current.sa_handler == SIG_IGN;
@@ -44,6 +57,9 @@ void RequestWatch::run(language::RequestContext& context, const std::function<vo
     {
         const std::lock_guard lock(m_mutex);
         m_running = &context;
+        if (m_timeLimit) {
+            m_deadline = Clock::now() + *m_timeLimit;
+        }
     }
     struct Finished {
         RequestWatch& watch;
@@ -63,8 +79,32 @@ bool RequestWatch::interrupted() const {
 void RequestWatch::watch() {
     const sigset_t signals = interruptSignals();
     for (;;) {
-        if (sigwaitinfo(&signals, nullptr) != SIGINT) {
-            continue;  // interrupted (EINTR)
+        std::optional<Clock::duration> wait;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_stopping) {
+                return;
+            }
+            if (m_timeLimit) {
+                const auto now = Clock::now();
+                if (m_running != nullptr && now >= m_deadline) {
+                    m_running->timeOut();
+                }
+                // A calculation that starts while the watcher waits ends its time at least one
+                // limit after the wait began, so a wait never longer than the limit meets every
+                // deadline without anyone having to wake the watcher.
+                wait = m_running != nullptr && m_deadline > now ? m_deadline - now : *m_timeLimit;
+            }
+        }
+        int received = 0;
+        if (wait) {
+            const timespec timeout = timespecOf(*wait);
+            received = sigtimedwait(&signals, nullptr, &timeout);
+        } else {
+            received = sigwaitinfo(&signals, nullptr);
+        }
+        if (received != SIGINT) {
+            continue;  // the wait is over (EAGAIN) or was interrupted (EINTR)
         }
         const std::lock_guard lock(m_mutex);
         if (m_stopping) {

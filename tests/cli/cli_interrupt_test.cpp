@@ -1,5 +1,5 @@
-// Ctrl-C: it stops the expression being calculated and lets the others go on, and while
-// nothing is being calculated it ends the program at once.
+// Ctrl-C and --timeout: what stops one expression lets the others go on, and Ctrl-C while
+// nothing is being calculated ends the program at once.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +16,9 @@ namespace {
 using namespace std::chrono_literals;
 using talvex::cli::testing::CliProcess;
 using talvex::cli::testing::CliProcessResult;
+using talvex::cli::testing::CliRun;
 using talvex::cli::testing::jsonLines;
+using talvex::cli::testing::run;
 
 // A chain of a hundred additions to a die of a million faces: seconds of work, more in a debug
 // build, before it is refused as too large.
@@ -68,6 +70,57 @@ TEST(CliInterrupt, CtrlCWhileWaitingForInputEndsTheProgramAtOnce) {
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.errors, "");
+}
+
+TEST(CliInterrupt, CtrlCIsIgnoredWhenTheProgramWasStartedIgnoringIt) {
+    CliProcess process({"--json", "--timeout", "1", "1d4", longExpression(), "3d6"}, true);
+    ASSERT_NO_FATAL_FAILURE(startLongCalculation(process));
+    process.signal(SIGINT);
+    const CliProcessResult result = process.finish();
+    // The time limit ends the long expression, not Ctrl-C.
+    EXPECT_EQ(result.status, 3);
+    EXPECT_NE(result.errors.find("did not finish within the time limit"), std::string::npos)
+        << result.errors;
+    EXPECT_EQ(jsonLines(result.out).size(), 2U);
+}
+
+TEST(CliTimeout, AnExpressionPastTheTimeLimitFailsAndTheOthersStillCome) {
+    CliProcess process({"--json", "--timeout", "0.2", longExpression(), "3d6"});
+    ASSERT_TRUE(process.started());
+    const auto start = CliProcess::Clock::now();
+    const CliProcessResult result = process.finish();
+    EXPECT_LT(CliProcess::Clock::now() - start, 30s);
+    EXPECT_EQ(result.status, 3);
+    EXPECT_EQ(result.errors,
+              failure(longExpression(),
+                      "it is too large to calculate: it did not finish within the time limit"));
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_EQ(lines[0]["expression"], "3d6");
+}
+
+TEST(CliTimeout, ATimeLimitNotReachedChangesNothing) {
+    const CliRun limited = run({"--json", "--timeout", "60", "3d6", "2d10"});
+    const CliRun unlimited = run({"--json", "3d6", "2d10"});
+    EXPECT_EQ(limited.status, 0);
+    EXPECT_EQ(limited.out, unlimited.out);
+}
+
+TEST(CliTimeout, OnlyAPositiveNumberOfSecondsIsATimeLimit) {
+    for (const std::string value : {"0", "-1", "-0.5", "abc", "5s", "nan", "inf", ""}) {
+        const CliRun result = run({"--timeout", value, "1d6"}, "", true);
+        EXPECT_EQ(result.status, 2) << value;
+        EXPECT_NE(result.out.find("--timeout"), std::string::npos) << value << result.out;
+    }
+    EXPECT_EQ(run({"--timeout=-1", "1d6"}).status, 2);
+    EXPECT_EQ(run({"--timeout", "0.25", "1d6"}).status, 0);
+    EXPECT_EQ(run({"--timeout", "1e1", "1d6"}).status, 0);
+}
+
+TEST(CliTimeout, HelpDescribesTheTimeLimit) {
+    const CliRun help = run({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("--timeout SECONDS"), std::string::npos);
 }
 
 }  // namespace
