@@ -1,67 +1,201 @@
 #include "cli/json_output.h"
 
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
 namespace talvex::cli {
 
 using core::Decimal;
-using nlohmann::ordered_json;
 
 namespace {
 
-ordered_json quantityJson(const Decimal& quantity) {
-    return quantity.isNotANumber() ? ordered_json(nullptr) : ordered_json(quantity.stringValue());
+// What is written is gathered into blocks of about this size before it goes to the stream:
+// a stream call per number would cost more than the numbers.
+constexpr std::size_t kBlockSize = 64 * 1024;
+
+// Whether nlohmann's serializer would write the text unchanged between its quotes. Decimal
+// texts, nearly all of what is written, always are.
+bool needsNoEscaping(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x20 && byte < 0x7F && c != '"' && c != '\\';
+    });
+}
+
+// One line of JSON, written piece by piece. Every string comes out exactly as nlohmann's
+// serializer writes it in a compact dump (no ASCII escaping, invalid UTF-8 replaced), so the
+// line is the same as that of a document built first and dumped.
+class JsonLine {
+  public:
+    explicit JsonLine(std::ostream& out) : m_out(out) { m_block.reserve(kBlockSize * 2); }
+
+    void raw(std::string_view text) {
+        m_block += text;
+        if (m_block.size() >= kBlockSize) {
+            spill();
+        }
+    }
+
+    void string(std::string_view text) {
+        if (needsNoEscaping(text)) {
+            m_block += '"';
+            m_block += text;
+            raw("\"");
+        } else {
+            raw(nlohmann::json(std::string(text))
+                    .dump(-1, ' ', false, nlohmann::json::error_handler_t::replace));
+        }
+    }
+
+    void quantity(const Decimal& value) {
+        if (value.isNotANumber()) {
+            raw("null");
+        } else {
+            string(value.stringValue());
+        }
+    }
+
+    template <typename Values>
+    void quantities(const Values& values) {
+        raw("[");
+        bool first = true;
+        for (const Decimal& value : values) {
+            if (!first) {
+                raw(",");
+            }
+            first = false;
+            quantity(value);
+        }
+        raw("]");
+    }
+
+    // Ends the line and hands the rest to the stream.
+    void finish() {
+        m_block += '\n';
+        spill();
+    }
+
+  private:
+    void spill() {
+        m_out.write(m_block.data(), static_cast<std::streamsize>(m_block.size()));
+        m_block.clear();
+    }
+
+    std::ostream& m_out;
+    std::string m_block;
+};
+
+// The summary numbers, undefined (NaN) where there is none.
+struct Statistics {
+    Decimal mean;
+    Decimal variance;
+    Decimal standardDeviation;
+    Decimal meanDeviation;
+    Decimal median;
+    std::vector<Decimal> mode;
+    std::vector<Decimal> modeIncludingUndefined;
+    std::array<Decimal, 2> range;
+    Decimal values;
+};
+
+Statistics statisticsOf(const core::Profile& profile) {
+    // A statistic that leaves the 38-digit range (the variance of outcomes near 1E100) is
+    // null like an undefined one; the distribution itself is still printed.
+    const auto guarded = [](auto statistic) {
+        try {
+            return statistic();
+        } catch (const core::DecimalError&) {
+            return Decimal::notANumber();
+        }
+    };
+    return {guarded([&] { return profile.mean(); }),
+            guarded([&] { return profile.variance(); }),
+            guarded([&] { return profile.standardDeviation(); }),
+            guarded([&] { return profile.meanDeviation(); }),
+            profile.median(),
+            profile.mode(),
+            profile.modeIncludingUndefined(),
+            profile.range(),
+            profile.values()};
+}
+
+// Throws what dividing any of the weights by the total would throw. Weights are never
+// negative and the quotient grows with the weight, so the smallest and the largest stand
+// for all of them.
+void checkProbabilities(const std::vector<core::Evaluation>& outcomes, const Decimal& total) {
+    const auto [smallest, largest] = std::minmax_element(
+        outcomes.begin(), outcomes.end(), [](const core::Evaluation& a, const core::Evaluation& b) {
+            return a.weightCompare(b) < 0;
+        });
+    if (smallest != outcomes.end()) {
+        static_cast<void>(smallest->weight() / total);
+        static_cast<void>(largest->weight() / total);
+    }
 }
 
 }  // namespace
 
-ordered_json profileJson(const std::string& expression, const core::Profile& profile) {
+void writeResultJson(std::ostream& out, const std::string& expression, const core::Profile& profile,
+                     const std::vector<core::Evaluation>* rolls) {
     const Decimal total = profile.totalWeight();
-    ordered_json outcomes = ordered_json::array();
-    for (const core::Evaluation& evaluation : profile.evaluations()) {
-        outcomes.push_back({{"quantity", quantityJson(evaluation.quantity())},
-                            {"weight", evaluation.weight().stringValue()},
-                            {"probability", (evaluation.weight() / total).stringValue()}});
-    }
-    return {{"expression", expression},
-            {"comparator", profile.comparatorString()},
-            {"total_weight", total.stringValue()},
-            {"outcomes", std::move(outcomes)}};
-}
+    const std::vector<core::Evaluation> outcomes = profile.evaluations();
+    checkProbabilities(outcomes, total);
+    const Statistics statistics = statisticsOf(profile);
 
-ordered_json statisticsJson(const core::Profile& profile) {
-    const auto list = [](const std::vector<Decimal>& values) {
-        ordered_json array = ordered_json::array();
-        for (const Decimal& value : values) {
-            array.push_back(quantityJson(value));
-        }
-        return array;
-    };
-    // A statistic that leaves the 38-digit range (the variance of outcomes near 1E100) is
-    // null like an undefined one; the distribution itself is still printed.
-    const auto guarded = [](auto statistic) -> ordered_json {
-        try {
-            return quantityJson(statistic());
-        } catch (const core::DecimalError&) {
-            return nullptr;
-        }
-    };
-    const auto range = profile.range();
-    return {{"mean", guarded([&] { return profile.mean(); })},
-            {"variance", guarded([&] { return profile.variance(); })},
-            {"standard_deviation", guarded([&] { return profile.standardDeviation(); })},
-            {"mean_deviation", guarded([&] { return profile.meanDeviation(); })},
-            {"median", quantityJson(profile.median())},
-            {"mode", list(profile.mode())},
-            {"mode_including_undefined", list(profile.modeIncludingUndefined())},
-            {"range", list({range[0], range[1]})},
-            {"values", quantityJson(profile.values())}};
-}
-
-ordered_json rollsJson(const std::vector<core::Evaluation>& rolls) {
-    ordered_json list = ordered_json::array();
-    for (const core::Evaluation& roll : rolls) {
-        list.push_back(quantityJson(roll.quantity()));
+    JsonLine line(out);
+    line.raw("{\"expression\":");
+    line.string(expression);
+    line.raw(",\"comparator\":");
+    line.string(profile.comparatorString());
+    line.raw(",\"total_weight\":");
+    line.string(total.stringValue());
+    line.raw(",\"outcomes\":[");
+    bool first = true;
+    for (const core::Evaluation& outcome : outcomes) {
+        line.raw(first ? "{\"quantity\":" : ",{\"quantity\":");
+        first = false;
+        line.quantity(outcome.quantity());
+        line.raw(",\"weight\":");
+        line.string(outcome.weight().stringValue());
+        line.raw(",\"probability\":");
+        line.string((outcome.weight() / total).stringValue());
+        line.raw("}");
     }
-    return list;
+    line.raw("],\"statistics\":{\"mean\":");
+    line.quantity(statistics.mean);
+    line.raw(",\"variance\":");
+    line.quantity(statistics.variance);
+    line.raw(",\"standard_deviation\":");
+    line.quantity(statistics.standardDeviation);
+    line.raw(",\"mean_deviation\":");
+    line.quantity(statistics.meanDeviation);
+    line.raw(",\"median\":");
+    line.quantity(statistics.median);
+    line.raw(",\"mode\":");
+    line.quantities(statistics.mode);
+    line.raw(",\"mode_including_undefined\":");
+    line.quantities(statistics.modeIncludingUndefined);
+    line.raw(",\"range\":");
+    line.quantities(statistics.range);
+    line.raw(",\"values\":");
+    line.quantity(statistics.values);
+    line.raw("}");
+    if (rolls != nullptr) {
+        line.raw(",\"rolls\":[");
+        first = true;
+        for (const core::Evaluation& roll : *rolls) {
+            if (!first) {
+                line.raw(",");
+            }
+            first = false;
+            line.quantity(roll.quantity());
+        }
+        line.raw("]");
+    }
+    line.raw("}");
+    line.finish();
 }
 
 }  // namespace talvex::cli

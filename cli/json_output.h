@@ -1,6 +1,6 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -9,15 +9,15 @@
 
 namespace talvex::cli {
 
-// One expression's result as a JSON object: its text, comparator, total weight and outcomes
-// (in the profile's own order, the undefined one first), every number as plain decimal text.
-[[nodiscard]] nlohmann::ordered_json profileJson(const std::string& expression,
-                                                 const core::Profile& profile);
-
-// The summary numbers as raw decimal texts, null where undefined.
-[[nodiscard]] nlohmann::ordered_json statisticsJson(const core::Profile& profile);
-
-// Random rolls as texts, null for an undefined roll.
-[[nodiscard]] nlohmann::ordered_json rollsJson(const std::vector<core::Evaluation>& rolls);
+// Writes one expression's result as one line of JSON (JSON Lines): its text, comparator, total
+// weight and outcomes (in the profile's own order, the undefined one first), then the
+// statistics and, when `rolls` is given, the rolls; every number as plain decimal text, null
+// where undefined. Text that is not valid UTF-8 is shown with replacement characters.
+//
+// The line is written as it is produced, a block at a time, so that a profile of a million
+// outcomes never stands in memory as a document. Whatever can fail is worked out before the
+// first byte goes out: a result that cannot be written leaves no half line behind.
+void writeResultJson(std::ostream& out, const std::string& expression, const core::Profile& profile,
+                     const std::vector<core::Evaluation>* rolls);
 
 }  // namespace talvex::cli

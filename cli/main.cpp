@@ -3,6 +3,8 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <iostream>
 #include <optional>
@@ -13,6 +15,7 @@
 #include "app/startup.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
+#include "cli/request_watch.h"
 #include "cli/terminal_output.h"
 #include "core/report_options.h"
 #include "core/styles.h"
@@ -28,6 +31,7 @@ constexpr int kExitCalculationFailed = 3;
 struct Settings {
     std::vector<std::string> expressions;
     bool json = false;
+    std::optional<double> timeout;
     std::optional<long long> seed;
     int rolls = 0;
     bool colour = false;
@@ -66,6 +70,17 @@ std::vector<std::string> readExpressions(std::istream& input) {
     return lines;
 }
 
+// A positive, finite number of seconds. CLI::PositiveNumber would let "nan" through.
+std::string checkSeconds(const std::string& text) {
+    double seconds = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, seconds);
+    if (error != std::errc() || stop != end || !std::isfinite(seconds) || seconds <= 0) {
+        return "must be a positive number of seconds, such as 10 or 0.5";
+    }
+    return {};
+}
+
 bool shouldColourOutput(const std::string& mode) {
     return talvex::cli::shouldColour(
         mode, isatty(STDOUT_FILENO) == 1,
@@ -77,15 +92,8 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
     const auto problem = talvex::app::attempt([&] {
         auto result = session.calculate(text, settings.rolls);
         if (settings.json) {
-            auto object = talvex::cli::profileJson(result.expression->rawString(), result.profile);
-            object["statistics"] = talvex::cli::statisticsJson(result.profile);
-            if (settings.rolls > 0) {
-                object["rolls"] = talvex::cli::rollsJson(result.rolls);
-            }
-            // Text that is not valid UTF-8 is shown with replacement characters, not refused.
-            std::cout << object.dump(-1, ' ', false,
-                                     nlohmann::ordered_json::error_handler_t::replace)
-                      << '\n';
+            talvex::cli::writeResultJson(std::cout, result.expression->rawString(), result.profile,
+                                         settings.rolls > 0 ? &result.rolls : nullptr);
         } else {
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
@@ -99,10 +107,12 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
             std::cout << talvex::cli::terminalText(report, settings.colour);
         }
     });
+    // What is finished goes out before the next calculation starts: Ctrl-C then loses nothing
+    // of it, and a reader of the pipe sees each result as it comes.
+    std::cout.flush();
     if (!problem) {
         return true;
     }
-    std::cout.flush();
     std::cerr << "talvex-cli: cannot calculate \"" << talvex::app::shortenedForMessage(text)
               << "\": " << *problem << '\n';
     return false;
@@ -119,6 +129,11 @@ int main(int argc, char** argv) {
                    "line, when none are given; put -- before an expression that starts with -)");
     app.add_flag("--json", settings.json, "Print one JSON object per expression (JSON Lines)");
     app.add_option("--seed", settings.seed, "Seed the random generator for the rolls");
+    app.add_option("--timeout", settings.timeout,
+                   "Stop each expression that has calculated for SECONDS (fractions allowed); "
+                   "it is reported as too large and the others are still calculated")
+        ->type_name("SECONDS")
+        ->check(CLI::Validator(checkSeconds, ""));
     app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
         ->check(CLI::Range(0, 1000000));
     std::vector<std::string> sections;
@@ -162,6 +177,14 @@ int main(int argc, char** argv) {
         return kExitUsage;
     }
 
+    // From here on Ctrl-C cancels the expression being calculated, or ends the program when
+    // none is; no other thread may start before this one blocks SIGINT.
+    std::optional<talvex::cli::RequestWatch::Seconds> timeLimit;
+    if (settings.timeout) {
+        timeLimit = talvex::cli::RequestWatch::Seconds(*settings.timeout);
+    }
+    talvex::cli::RequestWatch watch(timeLimit);
+
     talvex::language::KVTXInitializeDefinitions();
     if (settings.seed) {
         srandom(static_cast<unsigned>(*settings.seed));
@@ -171,11 +194,15 @@ int main(int argc, char** argv) {
     }
     // One session for the whole run, so that what one expression built serves the next ones.
     CalculationSession session;
+    session.setRunner(&watch);
     bool allCalculated = true;
     for (const std::string& text : settings.expressions) {
         if (!evaluate(text, settings, session)) {
             allCalculated = false;
         }
+    }
+    if (watch.interrupted()) {
+        return talvex::cli::RequestWatch::kInterruptedStatus;
     }
     return allCalculated ? EXIT_SUCCESS : kExitCalculationFailed;
 }
