@@ -32,6 +32,8 @@ inline constexpr std::size_t kMaxOutcomePairs = 20'000'000;
 // Expressions under construction one inside the other (each level of parentheses or of a
 // function call takes about two); deeper texts would exhaust the stack.
 inline constexpr std::size_t kMaxConstructionDepth = 3000;
+// The stack a thread is assumed to have when the system sets no limit (Debian's default).
+inline constexpr std::size_t kAssumedStackBytes = 8U * 1024U * 1024U;
 // Dice in one dice text.
 inline constexpr long kMaxDice = 100'000;
 // Expressions held by one expressions dictionary: every sub-expression of every calculation

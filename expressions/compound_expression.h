@@ -68,9 +68,16 @@ class CompoundExpression : public Expression {
     void makeProfile(RequestContext& context) override;
 
   private:
-    // Cuts the rewritten text at its top-level operators and builds the operands.
-    void cutOperands(std::string_view text, std::string_view masked,
-                     std::string_view expressionProper, RequestContext& context);
+    // Rewrites the typed text and cuts it at its top-level operators: the operators are kept,
+    // the operands' texts returned. Out of line, with all its temporaries, because building the
+    // operands recurses and every level of a deep nesting carries the frame that does it.
+    [[nodiscard, gnu::noinline]] std::vector<std::string> cutOperands();
+    [[gnu::noinline]] void keepOperand(ExpressionPointer operand) {
+        m_subExpressions.push_back(std::move(operand));
+    }
+    [[nodiscard]] std::vector<std::string> cutOperands(std::string_view text,
+                                                       std::string_view masked,
+                                                       std::string_view expressionProper);
 
     std::vector<ExpressionPointer> m_subExpressions;
     std::vector<char> m_subOperators;

@@ -293,15 +293,23 @@ struct Rewritten {
 }  // namespace
 
 void CompoundExpression::parseRawString(RequestContext& context) {
+    for (const std::string& operand : cutOperands()) {
+        keepOperand(expressionWithString(operand, context));
+    }
+}
+
+std::vector<std::string> CompoundExpression::cutOperands() {
     Rewritten rewritten = rewrite(withoutLabel(titleRawString()));
     setRawString(std::move(rewritten.rawString));
     m_subFunctions = std::move(rewritten.functions);
     m_comparator = std::move(rewritten.comparator);
-    cutOperands(rewritten.parts.text, rewritten.parts.masked, rewritten.expressionProper, context);
+    return cutOperands(rewritten.parts.text, rewritten.parts.masked, rewritten.expressionProper);
 }
 
-void CompoundExpression::cutOperands(std::string_view text, std::string_view masked,
-                                     std::string_view expressionProper, RequestContext& context) {
+std::vector<std::string> CompoundExpression::cutOperands(std::string_view text,
+                                                         std::string_view masked,
+                                                         std::string_view expressionProper) {
+    std::vector<std::string> operands;
     const std::string_view operators = operatorArray();
     std::size_t operandStart = 0;
     std::size_t searchFrom = 0;
@@ -338,12 +346,12 @@ void CompoundExpression::cutOperands(std::string_view text, std::string_view mas
             }
         }
         // The same guard: an operand that is the whole typed text again.
-        if (m_subExpressions.empty() && called == expressionProper) {
+        if (operands.empty() && called == expressionProper) {
             called = kUndefinedText;
         }
-        m_subExpressions.push_back(expressionWithString(called, context));
+        operands.push_back(std::move(called));
         if (position == std::string_view::npos) {
-            return;
+            return operands;
         }
         operandStart = position + 1;
         searchFrom = position + 1;

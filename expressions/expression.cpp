@@ -40,48 +40,63 @@ bool Expression::isExpressionString(std::string_view /*text*/) noexcept { return
 
 std::span<const ExpressionKind> Expression::descendants() const { return expressionKinds(); }
 
+namespace {
+
+// Out of line, so that the message's temporaries take no room in every level of a deep
+// construction.
+[[noreturn, gnu::noinline]] void refuseMoreExpressions() {
+    throw core::CalculationTooLarge("the calculation needs more than " +
+                                    std::to_string(core::kMaxExpressions) +
+                                    " distinct sub-expressions");
+}
+
+}  // namespace
+
+// Sub-expressions are built recursively (parentheses, function arguments, operands), so this
+// function is one level of every nesting and keeps its own frame small: the lookup and the
+// storing, with their temporaries, are out of line.
 ExpressionPointer Expression::construct(ExpressionPointer blank, std::string_view text,
                                         RequestContext& context) {
-    ExpressionDictionary& expressions = context.expressions();
+    if (ExpressionPointer known = lookUp(*blank, text, context)) {
+        return known;
+    }
+    const RequestContext::ConstructionLevel level(context);
+    if (context.expressions().size() >= core::kMaxExpressions) {
+        refuseMoreExpressions();
+    }
+    context.checkStopped();
+    blank->parseRawString(context);
+    for (const ExpressionKind& kind : blank->descendants()) {
+        if (kind.isExpressionString(blank->m_titleRawString)) {
+            return construct(kind.create(), blank->m_titleRawString, context);
+        }
+    }
+    blank->makeProfile(context);
+    store(blank, context);
+    return blank;
+}
+
+ExpressionPointer Expression::lookUp(Expression& blank, std::string_view text,
+                                     RequestContext& context) {
     std::string key = cleanString(text);
+    const ExpressionDictionary& expressions = context.expressions();
     if (const auto found = expressions.find(key); found != expressions.end()) {
         return found->second;
     }
-    // Sub-expressions are built recursively (parentheses, function arguments, operands).
-    struct DepthGuard {
-        std::size_t& depth;
-        explicit DepthGuard(std::size_t& counter) : depth(++counter) {}
-        ~DepthGuard() { --depth; }
-        DepthGuard(const DepthGuard&) = delete;
-        DepthGuard& operator=(const DepthGuard&) = delete;
-    } guard(context.m_constructionDepth);
-    if (context.m_constructionDepth > core::kMaxConstructionDepth) {
-        throw core::CalculationTooLarge("the expression is nested too deeply to calculate");
-    }
-    if (expressions.size() >= core::kMaxExpressions) {
-        throw core::CalculationTooLarge("the calculation needs more than " +
-                                        std::to_string(core::kMaxExpressions) +
-                                        " distinct sub-expressions");
-    }
-    context.checkStopped();
-    Expression& self = *blank;
-    self.m_rawString = std::move(key);
-    self.m_titleRawString = std::string(text);
-    self.parseRawString(context);
-    for (const ExpressionKind& kind : self.descendants()) {
-        if (kind.isExpressionString(self.m_titleRawString)) {
-            return construct(kind.create(), self.m_titleRawString, context);
-        }
-    }
-    self.makeProfile(context);
+    blank.m_rawString = std::move(key);
+    blank.m_titleRawString = std::string(text);
+    return nullptr;
+}
+
+void Expression::store(const ExpressionPointer& built, RequestContext& context) {
+    Expression& self = *built;
     self.m_profile.setTitleString(self.m_rawString);
     // The dictionary keeps it for the rest of the session.
     self.m_profile.shrinkToFit();
-    if (expressions.try_emplace(self.m_rawString, blank).second) {
+    if (context.expressions().try_emplace(self.m_rawString, built).second) {
         context.m_added.push_back(self.m_rawString);
         context.hold(self.heldOutcomes());
     }
-    return blank;
 }
 
 }  // namespace talvex::language

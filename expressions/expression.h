@@ -87,6 +87,13 @@ class Expression {
     // The construction pipeline shared by every kind.
     [[nodiscard]] static ExpressionPointer construct(ExpressionPointer blank, std::string_view text,
                                                      RequestContext& context);
+    // The one already in the dictionary under `text`'s key, or null after giving `blank` the key
+    // and the title.
+    [[nodiscard, gnu::noinline]] static ExpressionPointer lookUp(Expression& blank,
+                                                                 std::string_view text,
+                                                                 RequestContext& context);
+    // Titles a finished expression and keeps it in the dictionary.
+    [[gnu::noinline]] static void store(const ExpressionPointer& built, RequestContext& context);
 
     std::string m_rawString;
     std::string m_titleRawString;

@@ -159,6 +159,20 @@ bool FunctionExpression::isExpressionString(std::string_view text) {
 }
 
 void FunctionExpression::parseRawString(RequestContext& context) {
+    std::vector<std::string> argumentStrings = cutArguments();
+    for (const std::string& argument : argumentStrings) {
+        keepArgument(*expressionWithString(argument, context), context);
+    }
+    m_argumentStrings = std::move(argumentStrings);
+}
+
+void FunctionExpression::keepArgument(const Expression& argument, RequestContext& context) {
+    // The call keeps a copy of every argument besides the dictionary's.
+    context.reserveOutcomes(static_cast<double>(argument.profileView().evaluationCount()));
+    m_arguments.push_back(argument.profile());
+}
+
+std::vector<std::string> FunctionExpression::cutArguments() {
     const std::string& text = rawString();
     for (const std::string_view name : kFunctionNames) {
         if (text.find(name) == 0) {
@@ -167,16 +181,7 @@ void FunctionExpression::parseRawString(RequestContext& context) {
         }
     }
 
-    std::vector<Profile> arguments;
-    std::vector<std::string> argumentStrings;
-    const auto closeArgument = [&](std::string argument) {
-        const ExpressionPointer built = expressionWithString(argument, context);
-        // The call keeps a copy of every argument besides the dictionary's.
-        context.reserveOutcomes(static_cast<double>(built->profileView().evaluationCount()));
-        arguments.push_back(built->profile());
-        argumentStrings.push_back(std::move(argument));
-    };
-
+    std::vector<std::string> arguments;
     std::size_t position = text.find('(');
     position = position == std::string::npos ? text.size() : position + 1;
     long depth = 1;
@@ -203,19 +208,16 @@ void FunctionExpression::parseRawString(RequestContext& context) {
             ++position;
             // An empty argument ("max(1,,2)", "max(,1)") is skipped.
             if (!buffer.empty()) {
-                closeArgument(std::exchange(buffer, std::string()));
+                arguments.push_back(std::exchange(buffer, std::string()));
             }
         }
     }
     // What is left is the last argument and the closing parenthesis.
     if (buffer.size() > 1) {
         buffer.pop_back();
-        closeArgument(std::move(buffer));
+        arguments.push_back(std::move(buffer));
     }
-    if (!arguments.empty()) {
-        m_arguments = std::move(arguments);
-        m_argumentStrings = std::move(argumentStrings);
-    }
+    return arguments;
 }
 
 void FunctionExpression::makeProfile(RequestContext& context) {

@@ -43,6 +43,11 @@ class FunctionExpression : public Expression {
     void makeProfile(RequestContext& context) override;
 
   private:
+    // Names the function and cuts its arguments' texts at the top-level commas. Out of line,
+    // with its temporaries, because building the arguments recurses and every level of a deep
+    // nesting carries the frame that does it.
+    [[nodiscard, gnu::noinline]] std::vector<std::string> cutArguments();
+    [[gnu::noinline]] void keepArgument(const Expression& argument, RequestContext& context);
     std::vector<core::Profile> m_arguments;
     std::vector<std::string> m_argumentStrings;
     std::string m_function;

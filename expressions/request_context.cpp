@@ -1,5 +1,9 @@
 #include "expressions/request_context.h"
 
+#include <sys/resource.h>
+
+#include <algorithm>
+
 #include "core/calculation_limits.h"
 #include "core/evaluation.h"
 #include "expressions/expression.h"
@@ -24,10 +28,36 @@ constexpr std::uint64_t kBytesPerHeldOutcome = sizeof(core::Evaluation) + 16;
         "it is too large to calculate: it needs more memory than one calculation may take");
 }
 
+// The thread's stack as the system sets it: the main thread's limit, which is also the size
+// glibc gives every new thread. Half of it is left for the callers above the outermost
+// construction and for the kernels and reports that run below the innermost.
+std::size_t stackBudget() noexcept {
+    rlimit limit{};
+    std::size_t stack = core::kAssumedStackBytes;
+    if (getrlimit(RLIMIT_STACK, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY) {
+        stack = static_cast<std::size_t>(limit.rlim_cur);
+    }
+    return std::min(stack, core::kAssumedStackBytes * 8) / 2;
+}
+
 }  // namespace
 
 RequestContext::RequestContext(ExpressionDictionary& expressions, RequestLimits limits)
-    : m_expressions(expressions), m_limits(limits) {}
+    : m_expressions(expressions), m_limits(limits), m_constructionStackBudget(stackBudget()) {}
+
+RequestContext::ConstructionLevel::ConstructionLevel(RequestContext& context) : m_context(context) {
+    const auto here = reinterpret_cast<std::uintptr_t>(this);
+    if (context.m_constructionDepth++ == 0) {
+        context.m_outermostConstruction = here;
+    }
+    const std::uintptr_t outermost = context.m_outermostConstruction;
+    const std::uintptr_t used = outermost > here ? outermost - here : here - outermost;
+    if (context.m_constructionDepth > core::kMaxConstructionDepth ||
+        used > context.m_constructionStackBudget) {
+        --context.m_constructionDepth;
+        throw core::CalculationTooLarge("the expression is nested too deeply to calculate");
+    }
+}
 
 void RequestContext::throwStopped() const {
     if (stopReason() == StopReason::timedOut) {

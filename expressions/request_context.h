@@ -88,8 +88,27 @@ class RequestContext {
     [[nodiscard]] double progress() const noexcept;
 
     // --- Construction -----------------------------------------------------------------------
+    // One expression under construction, for as long as it lives; constructions nest one inside
+    // the other (parentheses, function arguments, operands). Throws CalculationTooLarge when
+    // they are nested so deeply, in levels or in bytes of stack below the outermost one, that
+    // the stack could run out; frames are several times larger in some builds (sanitizers), so
+    // the bytes are measured rather than assumed.
+    class ConstructionLevel {
+      public:
+        explicit ConstructionLevel(RequestContext& context);
+        ~ConstructionLevel() { --m_context.m_constructionDepth; }
+        ConstructionLevel(const ConstructionLevel&) = delete;
+        ConstructionLevel& operator=(const ConstructionLevel&) = delete;
+
+      private:
+        RequestContext& m_context;
+    };
     // Expressions under construction one inside the other.
     [[nodiscard]] std::size_t constructionDepth() const noexcept { return m_constructionDepth; }
+    // Bytes of stack the constructions of this request may take below the outermost one.
+    [[nodiscard]] std::size_t constructionStackBudget() const noexcept {
+        return m_constructionStackBudget;
+    }
     // Keys this request added to the dictionary, in the order added.
     [[nodiscard]] const std::vector<std::string>& addedKeys() const noexcept { return m_added; }
     // Takes every expression this request added out of the dictionary again: what a failed or
@@ -107,6 +126,8 @@ class RequestContext {
     std::atomic<StopReason> m_stop{StopReason::none};
     std::uint64_t m_heldBytes = 0;
     std::size_t m_constructionDepth = 0;
+    std::uintptr_t m_outermostConstruction = 0;
+    std::size_t m_constructionStackBudget;
     std::vector<std::string> m_added;
 };
 

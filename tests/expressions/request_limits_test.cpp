@@ -2,6 +2,7 @@
 // instead of running for minutes, exhausting memory or the stack.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <string>
 
@@ -32,6 +33,47 @@ TEST(RequestLimits, DeeplyNestedFunctionCallsAreRefusedBeforeTheStackRunsOut) {
     expectTooLarge(repeated("abs(", 1500) + "1" + repeated(")", 1500));
     expectTooLarge(repeated("max(", 1500) + "1d6" + repeated(")", 1500));
     expectTooLarge("a~" + repeated("abs(", 1500) + "1d6" + repeated(")", 1500) + ";a+a");
+}
+
+// Restores the stack limit a test lowered.
+class LoweredStackLimit {
+  public:
+    explicit LoweredStackLimit(rlim_t bytes) {
+        getrlimit(RLIMIT_STACK, &m_saved);
+        rlimit lowered = m_saved;
+        lowered.rlim_cur = bytes;
+        setrlimit(RLIMIT_STACK, &lowered);
+    }
+    ~LoweredStackLimit() { setrlimit(RLIMIT_STACK, &m_saved); }
+    LoweredStackLimit(const LoweredStackLimit&) = delete;
+    LoweredStackLimit& operator=(const LoweredStackLimit&) = delete;
+
+  private:
+    rlimit m_saved{};
+};
+
+TEST(RequestLimits, ConstructionsMayTakeHalfTheStack) {
+    const LoweredStackLimit limit(4U * 1024U * 1024U);
+    ExpressionDictionary expressions;
+    const RequestContext context(expressions);
+    EXPECT_EQ(context.constructionStackBudget(), 2U * 1024U * 1024U);
+}
+
+TEST(RequestLimits, NestingBeyondHalfASmallStackIsRefusedWhateverTheLevels) {
+    // 256 KB of the stack for the constructions: far fewer levels than the level limit, in
+    // every build, are refused in plain words rather than running out of stack.
+    const LoweredStackLimit limit(512U * 1024U);
+    const std::string text = repeated("abs(", 1400) + "1d6" + repeated(")", 1400);
+    ExpressionDictionary expressions;
+    RequestContext context(expressions);
+    try {
+        static_cast<void>(Expression::expressionWithString(text, context));
+        ADD_FAILURE() << "calculated";
+    } catch (const core::CalculationTooLarge& refusal) {
+        EXPECT_STREQ(refusal.what(), "the expression is nested too deeply to calculate");
+    }
+    EXPECT_EQ(context.constructionDepth(), 0U);
+    EXPECT_TRUE(context.addedKeys().empty() || expressions.size() == context.addedKeys().size());
 }
 
 TEST(RequestLimits, ModeratelyNestedCallsAreCalculated) {
