@@ -55,6 +55,19 @@ class Displays {
     // While held, the height stays as it was last read: the reports may then be calculated away
     // from the window's thread, which alone may ask the window.
     void holdHeight(bool held) noexcept { m_heightHeld = held; }
+    // Holds the height for as long as it lives.
+    class HeightHold {
+      public:
+        explicit HeightHold(Displays& displays) : m_displays(displays) {
+            m_displays.holdHeight(true);
+        }
+        ~HeightHold() { m_displays.holdHeight(false); }
+        HeightHold(const HeightHold&) = delete;
+        HeightHold& operator=(const HeightHold&) = delete;
+
+      private:
+        Displays& m_displays;
+    };
     // Each of these calculates into the frame; nothing reaches the window.
     void profile(DisplayFrame& frame);
     void tableCompare(DisplayFrame& frame);

@@ -178,15 +178,8 @@ void Requests::roll() {
             core::StyledText logReport;
             const bool comparison = m_displays.isComparison();
             m_displays.updateHeight();
-            struct HeightHold {
-                Displays& displays;
-                explicit HeightHold(Displays& d) : displays(d) { displays.holdHeight(true); }
-                ~HeightHold() { displays.holdHeight(false); }
-                HeightHold(const HeightHold&) = delete;
-                HeightHold& operator=(const HeightHold&) = delete;
-            };
             {
-                const HeightHold hold(m_displays);
+                const Displays::HeightHold hold(m_displays);
                 m_state.session.runInRequest([&] {
                     m_displays.displayAll(frame);
                     if (logFlag) {

@@ -1,6 +1,7 @@
 #include "app/controller/talvex_controller.h"
 
 #include "app/request.h"
+#include "core/calculation_limits.h"
 #include "core/report_options.h"
 
 namespace talvex::app {
@@ -74,24 +75,48 @@ bool TalvexContoller::windowShouldClose(bool isMainWindow) {
 }
 
 void TalvexContoller::windowDidResize() {
-    if (m_state.lastRoll.lastFunctionString == "blank" || !m_state.expression ||
-        !m_state.compareExpression || m_state.session.isBuilding()) {
+    if (m_state.session.isBuilding()) {
+        m_resizePending = true;
         return;
     }
-    guarded([this] {
-        DisplayFrame frame;
-        m_displays.profile(frame);
-        m_displays.tableCompare(frame);
-        m_displays.diagramCompare(frame);
-        frame.apply(m_window);
-    });
+    do {
+        m_resizePending = false;
+        if (m_state.lastRoll.lastFunctionString == "blank" || !m_state.expression ||
+            !m_state.compareExpression) {
+            return;
+        }
+        const auto problem = attempt([this] {
+            DisplayFrame frame;
+            m_displays.updateHeight();
+            {
+                const Displays::HeightHold hold(m_displays);
+                m_state.session.runInRequest([&] {
+                    m_displays.profile(frame);
+                    m_displays.tableCompare(frame);
+                    m_displays.diagramCompare(frame);
+                });
+            }
+            frame.apply(m_window);
+        });
+        if (problem) {
+            m_window.showMessage(*problem == core::kCalculationCancelled
+                                     ? *problem + "."
+                                     : "Cannot calculate: " + *problem + ".");
+            return;
+        }
+    } while (m_resizePending);
 }
 
 void TalvexContoller::resetAllSettingsAndQuit() {
     m_startUp.presentRestoreFactoryDefaultsAlert(true);
 }
 
-void TalvexContoller::roll() { m_requests.roll(); }
+void TalvexContoller::roll() {
+    m_requests.roll();
+    if (m_resizePending) {
+        windowDidResize();
+    }
+}
 
 void TalvexContoller::expressionSelect() {
     guarded([this] { m_requests.expressionSelect(); });

@@ -64,6 +64,8 @@ class TalvexContoller {
     void applicationWillTerminate();
     void TalvexQuit();
     [[nodiscard]] bool windowShouldClose(bool isMainWindow);
+    // Redraws the displays for the new size, on the worker like a request's reports (a
+    // million outcomes take a while); a resize during a request is redrawn after it.
     void windowDidResize();
     void resetAllSettingsAndQuit();
 
@@ -153,6 +155,8 @@ class TalvexContoller {
     KVTXExproter m_exproter;
     // The page profilePrint lays out; a tab it does not know keeps the last display fields.
     PrintPage m_printView;
+    // The window was resized while a calculation was under way.
+    bool m_resizePending = false;
 };
 
 }  // namespace talvex::app

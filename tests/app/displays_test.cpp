@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <sstream>
+#include <utility>
 
 #include "app/controller/split_view_bounds.h"
 #include "controller_fixture.h"
@@ -184,6 +186,58 @@ TEST_F(DisplaysTest, AResizeAfterTheDisplayWasEmptiedDrawsNothing) {
     const auto writes = window->fieldWrites(TextField::table);
     controller->windowDidResize();
     EXPECT_EQ(window->fieldWrites(TextField::table), writes);
+}
+
+// Runs the work where it is, after what the test wants to happen while a calculation is under
+// way (the window's event loop turns while the worker calculates).
+class ObservingRunner final : public CalculationRunner {
+  public:
+    void run(language::RequestContext& /*context*/, const std::function<void()>& work) override {
+        if (++runs == runWatched && whileRunning) {
+            std::exchange(whileRunning, nullptr)();
+        }
+        work();
+    }
+
+    int runs = 0;
+    int runWatched = 0;
+    std::function<void()> whileRunning;
+};
+
+class ResizeTest : public DisplaysTest {
+  protected:
+    ResizeTest() {
+        runnerInUse = &observing;
+        relaunch();
+    }
+
+    ObservingRunner observing;
+};
+
+TEST_F(ResizeTest, AResizeRedrawsAwayFromTheWindowLikeARequest) {
+    window->setTableFieldHeight(1000);
+    request("1d20");
+    const int runs = observing.runs;
+    window->setTableFieldHeight(100);
+    controller->windowDidResize();
+    EXPECT_EQ(observing.runs, runs + 1);
+    EXPECT_EQ(barLengths(field(TextField::table)).size(), 3U);
+    EXPECT_EQ(window->message(), "");
+}
+
+TEST_F(ResizeTest, AResizeDuringARequestIsRedrawnWhenTheRequestEnds) {
+    window->setTableFieldHeight(1000);
+    const int before = observing.runs;
+    request("1d20");
+    // The last run of a request makes its reports.
+    observing.runWatched = observing.runs + (observing.runs - before);
+    observing.whileRunning = [this] {
+        window->setTableFieldHeight(100);
+        controller->windowDidResize();
+    };
+    request("1d12");
+    EXPECT_EQ(barLengths(field(TextField::table)).size(), 3U);
+    EXPECT_EQ(barLengths(field(TextField::tableCompare1)).size(), 3U);
 }
 
 TEST_F(DisplaysTest, VersusIsAlwaysSuitable) { EXPECT_TRUE(Displays::isVersusSuitable()); }
