@@ -42,7 +42,7 @@ void BackgroundRunner::run(language::RequestContext& context, const std::functio
     bool busyShown = false;
     if (!isDone()) {
         m_window.stayResponsiveUntil(isDone, [&] {
-            if (!busyShown && std::chrono::steady_clock::now() - start >= kBusyDelay) {
+            if (!busyShown && std::chrono::steady_clock::now() - start >= m_busyDelay) {
                 busyShown = true;
                 m_window.showBusy(true);
             }

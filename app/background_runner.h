@@ -28,13 +28,15 @@ class BusyWindow {
 
 class BackgroundRunner final : public CalculationRunner {
   public:
-    // A build that ends within this time never shows the busy state.
+    // A build that ends within this time never shows the busy state (unless told otherwise).
     static constexpr std::chrono::milliseconds kBusyDelay{150};
     // How long the window simply waits for a build before it handles events meanwhile: most
     // builds end well within it, and then nothing flickers.
     static constexpr std::chrono::milliseconds kQuietWait{30};
 
-    explicit BackgroundRunner(BusyWindow& window) noexcept : m_window(window) {}
+    explicit BackgroundRunner(BusyWindow& window,
+                              std::chrono::milliseconds busyDelay = kBusyDelay) noexcept
+        : m_window(window), m_busyDelay(busyDelay) {}
 
     // One build at a time; the calling (window) thread returns when it has ended.
     void run(language::RequestContext& context, const std::function<void()>& work) override;
@@ -46,6 +48,7 @@ class BackgroundRunner final : public CalculationRunner {
 
   private:
     BusyWindow& m_window;
+    std::chrono::milliseconds m_busyDelay;
     language::RequestContext* m_context = nullptr;
 };
 
