@@ -95,6 +95,10 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
             talvex::cli::writeResultJson(std::cout, result.expression->rawString(), result.profile,
                                          settings.rolls > 0 ? &result.rolls : nullptr);
         } else {
+            // The title is typed text: on a terminal it may not hold commands, nor tabs and
+            // line breaks that would pass for the report's own.
+            result.profile.setTitleString(
+                talvex::cli::terminalSafe(result.profile.titleString(), false));
             if (settings.rolls > 0) {
                 std::cout << "rolls:";
                 for (const auto& roll : result.rolls) {
@@ -113,7 +117,8 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
     if (!problem) {
         return true;
     }
-    std::cerr << "talvex-cli: cannot calculate \"" << talvex::app::shortenedForMessage(text)
+    std::cerr << "talvex-cli: cannot calculate \""
+              << talvex::cli::terminalSafe(talvex::app::shortenedForMessage(text), false)
               << "\": " << *problem << '\n';
     return false;
 }

@@ -1,0 +1,156 @@
+// What talvex-cli writes to a terminal: typed text made safe.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/cli_runner.h"
+#include "cli/terminal_output.h"
+
+namespace {
+
+using talvex::cli::testing::CliRun;
+using talvex::cli::testing::jsonLines;
+using talvex::cli::testing::run;
+
+constexpr const char* kReplacement = "\xEF\xBF\xBD";
+
+// --- Typed text on a terminal ----------------------------------------------------------------
+
+// Whether the bytes are valid UTF-8 without a control character other than tab and line feed,
+// nor (when `sgrAllowed`) any escape sequence but the colour ones (ESC [ digits and ; m).
+bool onlySafeText(const std::string& text, bool sgrAllowed, std::string& problem) {
+    static const std::regex kSgr("^\x1b\\[[0-9;]*m");
+    for (std::size_t i = 0; i < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte == 0x1b && sgrAllowed) {
+            std::smatch match;
+            const std::string rest = text.substr(i, 32);
+            if (!std::regex_search(rest, match, kSgr)) {
+                problem = "an escape sequence at " + std::to_string(i);
+                return false;
+            }
+            i += static_cast<std::size_t>(match.length());
+            continue;
+        }
+        if ((byte < 0x20 && byte != '\t' && byte != '\n') || byte == 0x7f) {
+            problem = "control byte " + std::to_string(byte) + " at " + std::to_string(i);
+            return false;
+        }
+        std::size_t length = 1;
+        if (byte >= 0x80) {
+            length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC2 ? 2 : 0;
+            if (length == 0 || i + length > text.size()) {
+                problem = "bad UTF-8 at " + std::to_string(i);
+                return false;
+            }
+            for (std::size_t k = 1; k < length; ++k) {
+                if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) {
+                    problem = "bad UTF-8 at " + std::to_string(i);
+                    return false;
+                }
+            }
+            if (byte == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+                problem = "C1 control at " + std::to_string(i);
+                return false;
+            }
+        }
+        i += length;
+    }
+    return true;
+}
+
+// A title and every free text of the report with escape sequences, bell, delete, C1 controls
+// (as UTF-8 and as the raw byte), a carriage return and a byte that is no UTF-8; the last
+// expression is defined, so that its table draws bars.
+std::vector<std::string> hostileArguments() {
+    return {"--option",
+            "title=yes",
+            "--table",
+            "--legend",
+            "--option",
+            "header=\x1b]0;owned\x07\x1b[2J",
+            "--option",
+            "footer=\x1b[31mred\r\x9b"
+            "1m",
+            "--option",
+            "bar string=\x1b[5m#",
+            "1d6\x07\x1b[2J\x7f\xC2\x9B\x9B\r+1",
+            "Duel: 1d6 vs 1d4\x1b[8m",
+            "2d2"};
+}
+
+TEST(CliTerminalText, ControlCharactersInTypedTextArePrintedAsReplacementCharacters) {
+    for (const char* colour : {"--color=never", "--color=always"}) {
+        std::vector<std::string> arguments = {colour};
+        const auto hostile = hostileArguments();
+        arguments.insert(arguments.end(), hostile.begin(), hostile.end());
+        const CliRun result = run(arguments);
+        ASSERT_EQ(result.status, 0) << colour;
+        std::string problem;
+        EXPECT_TRUE(onlySafeText(result.out, colour == std::string("--color=always"), problem))
+            << colour << ": " << problem;
+        // What was typed is still there to read, its controls replaced.
+        EXPECT_NE(result.out.find(std::string(kReplacement) + "]0;owned" + kReplacement),
+                  std::string::npos)
+            << colour;
+        EXPECT_NE(result.out.find(std::string(kReplacement) + "[5m#"), std::string::npos);
+    }
+    const CliRun plain = run({"--color=never", "--option", "title=yes", "--statistics",
+                              "1d6\x07\x1b[2J\x7f\xC2\x9B\x9B\r+1"});
+    // The title: bell, ESC, DEL, the two C1 forms each replaced (the carriage return is a
+    // blank, which the calculator drops from the text).
+    const std::string r = kReplacement;
+    EXPECT_EQ(plain.out.substr(0, plain.out.find('\n')), "1d6" + r + r + "[2J" + r + r + r + "+1");
+}
+
+TEST(CliTerminalText, ErrorMessagesNameTheTextSafely) {
+    const CliRun errors = run({"X\x1b[2J\x07: 400d6"}, "", true);
+    EXPECT_EQ(errors.status, 3);
+    std::string problem;
+    EXPECT_TRUE(onlySafeText(errors.out, false, problem)) << problem;
+    EXPECT_NE(errors.out.find(std::string("X") + kReplacement + "[2J" + kReplacement + ": 400d6"),
+              std::string::npos)
+        << errors.out;
+}
+
+TEST(CliTerminalText, JsonStillEscapesControlCharacters) {
+    const CliRun result = run({"--json", "1d6\x1b[2J"});
+    ASSERT_EQ(result.status, 0);
+    EXPECT_EQ(result.out.find('\x1b'), std::string::npos);
+    EXPECT_NE(result.out.find("\\u001b"), std::string::npos);
+    EXPECT_EQ(jsonLines(result.out).front()["expression"], "1d6\x1b[2J");
+}
+
+TEST(CliTerminalText, TerminalSafeKeepsLayoutOnlyWhereAsked) {
+    using talvex::cli::terminalSafe;
+    const std::string r = kReplacement;
+    EXPECT_EQ(terminalSafe("3d6 + 2", false), "3d6 + 2");
+    EXPECT_EQ(terminalSafe("a\tb\nc", true), "a\tb\nc");
+    EXPECT_EQ(terminalSafe("a\tb\nc", false), "a" + r + "b" + r + "c");
+    EXPECT_EQ(terminalSafe("\x1b[31mred", true), r + "[31mred");
+    EXPECT_EQ(terminalSafe(std::string("nul\0here", 8), true), "nul" + r + "here");
+    EXPECT_EQ(terminalSafe("\r\x7f", true), r + r);
+    // C1 controls as UTF-8, and the raw byte that is no UTF-8.
+    EXPECT_EQ(terminalSafe("\xC2\x9B"
+                           "1m",
+                           true),
+              r + "1m");
+    EXPECT_EQ(terminalSafe("\x9B"
+                           "1m",
+                           true),
+              r + "1m");
+    // Other text outside ASCII passes: no-break space, é, the euro sign, an emoji.
+    const std::string wide = "\xC2\xA0\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80";
+    EXPECT_EQ(terminalSafe(wide, false), wide);
+    // Truncated, overlong and surrogate forms are no UTF-8: a replacement per byte.
+    EXPECT_EQ(terminalSafe("\xE2\x82", true), r + r);
+    EXPECT_EQ(terminalSafe("\xC0\xAF", true), r + r);
+    EXPECT_EQ(terminalSafe("\xED\xA0\x80", true), r + r + r);
+}
+
+}  // namespace
