@@ -9,6 +9,18 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
+// Sets the foreground, or gives it back to the terminal's own.
+constexpr std::string_view kDefaultForeground = "\x1b[39m";
+constexpr std::string_view kReset = "\x1b[0m";
+
+std::string foregroundSequence(const core::Color& c) {
+    if (isNearBlack(c)) {
+        return std::string(kDefaultForeground);
+    }
+    return "\x1b[38;2;" + std::to_string(c.red) + ';' + std::to_string(c.green) + ';' +
+           std::to_string(c.blue) + 'm';
+}
+
 bool isContinuation(unsigned char byte) { return (byte & 0xC0U) == 0x80U; }
 
 // The length of the valid UTF-8 sequence at the start of `text`, 0 when there is none.
@@ -83,6 +95,12 @@ std::string terminalSafe(std::string_view text, bool keepLayout) {
     return out;
 }
 
+bool isNearBlack(const core::Color& colour) {
+    const auto [darkest, lightest] = std::minmax({colour.red, colour.green, colour.blue});
+    // A grey (channels within 16 of each other) no lighter than 25 %.
+    return lightest <= 64 && lightest - darkest <= 16;
+}
+
 std::string terminalText(const core::StyledText& text, bool colour) {
     if (!colour) {
         return terminalSafe(text.string(), true);
@@ -97,17 +115,16 @@ std::string terminalText(const core::StyledText& text, bool colour) {
             out.append(piece);
             continue;
         }
-        const core::Color& c = run.attributes->foreground;
+        const std::string foreground = foregroundSequence(run.attributes->foreground);
         // Colour each line separately so that a pager or a cut line keeps its colour.
         std::size_t start = 0;
         while (start < piece.size()) {
             const std::size_t end = piece.find('\n', start);
             const std::size_t stop = end == std::string_view::npos ? piece.size() : end;
             if (stop > start) {
-                out += "\x1b[38;2;" + std::to_string(c.red) + ';' + std::to_string(c.green) + ';' +
-                       std::to_string(c.blue) + 'm';
+                out += foreground;
                 out.append(piece.substr(start, stop - start));
-                out += "\x1b[0m";
+                out += kReset;
             }
             if (end == std::string_view::npos) {
                 break;

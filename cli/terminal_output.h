@@ -8,8 +8,10 @@
 namespace talvex::cli {
 
 // The text with each styled run in its 24-bit foreground colour (ANSI escape sequences), or
-// the plain characters when `colour` is off. Alignment has no meaning in a terminal stream. Either
-// way the text is made terminalSafe, keeping the report's tabs and line breaks.
+// the plain characters when `colour` is off. Black and dark greys are written in the
+// terminal's own foreground colour instead, so that they read on dark backgrounds too.
+// Alignment has no meaning in a terminal stream. Either way the text is made terminalSafe,
+// keeping the report's tabs and line breaks.
 [[nodiscard]] std::string terminalText(const core::StyledText& text, bool colour);
 
 // Whether to colour: "always", "never", or "auto" (a terminal, and NO_COLOR not set).
@@ -19,5 +21,8 @@ namespace talvex::cli {
 // valid UTF-8 replaced by U+FFFD, so that no typed text reaches a terminal as a command. Tab
 // and line feed are kept when `keepLayout`.
 [[nodiscard]] std::string terminalSafe(std::string_view text, bool keepLayout);
+
+// Whether a foreground is black or a dark grey, which would vanish on a dark background.
+[[nodiscard]] bool isNearBlack(const core::Color& colour);
 
 }  // namespace talvex::cli

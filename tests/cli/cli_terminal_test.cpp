@@ -1,4 +1,5 @@
-// What talvex-cli writes to a terminal: typed text made safe.
+// What talvex-cli writes to a terminal: typed text made safe, and colours that read on dark
+// and light backgrounds.
 
 #include <gtest/gtest.h>
 
@@ -151,6 +152,92 @@ TEST(CliTerminalText, TerminalSafeKeepsLayoutOnlyWhereAsked) {
     EXPECT_EQ(terminalSafe("\xE2\x82", true), r + r);
     EXPECT_EQ(terminalSafe("\xC0\xAF", true), r + r);
     EXPECT_EQ(terminalSafe("\xED\xA0\x80", true), r + r + r);
+}
+
+// --- Colours -------------------------------------------------------------------------------------
+
+struct Rgb {
+    int red;
+    int green;
+    int blue;
+};
+
+// Every 24-bit foreground that the text sets.
+std::vector<Rgb> foregrounds(const std::string& text) {
+    static const std::regex kForeground("\x1b\\[38;2;([0-9]+);([0-9]+);([0-9]+)m");
+    std::vector<Rgb> colours;
+    for (auto it = std::sregex_iterator(text.begin(), text.end(), kForeground);
+         it != std::sregex_iterator(); ++it) {
+        colours.push_back({std::stoi((*it)[1]), std::stoi((*it)[2]), std::stoi((*it)[3])});
+    }
+    return colours;
+}
+
+TEST(CliColours, NoBlackOrDarkGreyForegroundButTheTerminalsOwn) {
+    const CliRun result = run({"--color=always",
+                               "--statistics",
+                               "--table",
+                               "--diagram",
+                               "--legend",
+                               "--roll",
+                               "--option",
+                               "title=yes",
+                               "--option",
+                               "statistics heading=yes",
+                               "--option",
+                               "table heading=yes",
+                               "--option",
+                               "table total=yes",
+                               "--option",
+                               "legend heading=yes",
+                               "--option",
+                               "include undefined in statistics=yes",
+                               "--option",
+                               "time stamp=yes",
+                               "Duel: 2d6 vt 1d12 vt 7",
+                               "1d4/(1d3-1)"});
+    ASSERT_EQ(result.status, 0);
+    const auto colours = foregrounds(result.out);
+    ASSERT_FALSE(colours.empty());
+    for (const Rgb& c : colours) {
+        const int lightest = std::max({c.red, c.green, c.blue});
+        const int darkest = std::min({c.red, c.green, c.blue});
+        // Black, and greys up to a quarter of white, would vanish on a dark background.
+        EXPECT_FALSE(lightest <= 64 && lightest - darkest <= 16)
+            << c.red << ";" << c.green << ";" << c.blue;
+    }
+    // Nor by a 256-colour index.
+    EXPECT_EQ(result.out.find("\x1b[38;5;"), std::string::npos);
+    EXPECT_EQ(result.out.find("\x1b[30m"), std::string::npos);
+    // The title, the statistics and the percent signs are in the default foreground.
+    EXPECT_NE(result.out.find("\x1b[39m2d6vt1d12vt7\x1b[0m"), std::string::npos);
+    EXPECT_NE(result.out.find("\x1b[39m%"), std::string::npos);
+}
+
+TEST(CliColours, OtherColoursAreUnchanged) {
+    const CliRun result = run({"--color=always", "--statistics", "--table", "--option",
+                               "statistics heading=yes", "1d4/(1d3-1)"});
+    ASSERT_EQ(result.status, 0);
+    // The item and bar blue, the weight green, and the dark green and red of the running
+    // weights, which are colours rather than greys.
+    for (const char* sequence : {"\x1b[38;2;0;0;255mMean", "\x1b[38;2;38;255;0m",
+                                 "\x1b[38;2;10;64;0m", "\x1b[38;2;64;0;0m", "\x1b[38;2;128;0;0m"}) {
+        EXPECT_NE(result.out.find(sequence), std::string::npos) << sequence + 1;
+    }
+    // The heading's dark grey is the terminal's own.
+    EXPECT_NE(result.out.find("\x1b[39mSTATISTICS:\x1b[0m"), std::string::npos);
+}
+
+TEST(CliColours, NearBlackIsBlackAndTheDarkGreys) {
+    using talvex::core::Color;
+    EXPECT_TRUE(talvex::cli::isNearBlack(Color{0, 0, 0}));
+    EXPECT_TRUE(talvex::cli::isNearBlack(Color::grey(0.2)));
+    EXPECT_TRUE(talvex::cli::isNearBlack(Color::grey(0.25)));
+    EXPECT_TRUE(talvex::cli::isNearBlack(Color::hsb(0, 0, 0.25)));
+    EXPECT_FALSE(talvex::cli::isNearBlack(Color::grey(0.5)));
+    EXPECT_FALSE(talvex::cli::isNearBlack(Color{0, 0, 255}));
+    EXPECT_FALSE(talvex::cli::isNearBlack(Color::hsb(0, 1, 0.25)));
+    EXPECT_FALSE(talvex::cli::isNearBlack(Color::hsb(111, 1, 0.25)));
 }
 
 }  // namespace
