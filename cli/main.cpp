@@ -15,6 +15,7 @@
 #include "app/startup.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
+#include "cli/option_list.h"
 #include "cli/request_watch.h"
 #include "cli/terminal_output.h"
 #include "core/report_options.h"
@@ -38,6 +39,10 @@ struct Settings {
     talvex::core::Options options;
 };
 
+std::string optionName(const std::string& assignment) {
+    return assignment.substr(0, assignment.find('='));
+}
+
 // The report options: the chosen sections (by default title, statistics and table), then
 // every --option KEY=VALUE, which wins over the sections.
 talvex::core::Options reportOptions(const std::vector<std::string>& sections,
@@ -53,10 +58,25 @@ talvex::core::Options reportOptions(const std::vector<std::string>& sections,
     }
     for (const std::string& assignment : assignments) {
         const auto equals = assignment.find('=');
-        options[assignment.substr(0, equals)] =
+        options[optionName(assignment)] =
             equals == std::string::npos ? std::string() : assignment.substr(equals + 1);
     }
     return options;
+}
+
+// A name the reports do not know is a typing mistake that would otherwise go unnoticed.
+bool checkOptionNames(const std::vector<std::string>& assignments) {
+    for (const std::string& assignment : assignments) {
+        const std::string name = optionName(assignment);
+        if (!talvex::cli::isReportOptionName(name)) {
+            std::cerr << "talvex-cli: there is no report option \""
+                      << talvex::cli::terminalSafe(talvex::app::shortenedForMessage(name), false)
+                      << "\"; the nearest is \"" << talvex::cli::nearestReportOptionName(name)
+                      << "\" (--list-options shows them all)\n";
+            return false;
+        }
+    }
+    return true;
 }
 
 std::vector<std::string> readExpressions(std::istream& input) {
@@ -152,8 +172,12 @@ int main(int argc, char** argv) {
     std::vector<std::string> assignments;
     app.add_option("--option", assignments,
                    "Set a report option by its name, e.g. --option \"table max height=10\" "
-                   "(repeatable; bad values fall back to the defaults)")
+                   "(repeatable; an unknown name is an error, bad values fall back to the "
+                   "defaults)")
         ->allow_extra_args(false);
+    bool listOptions = false;
+    app.add_flag("--list-options", listOptions,
+                 "Print every report option with its default and the values it takes, and exit");
     std::string colourMode = "auto";
     app.add_option("--color", colourMode, "Colour the reports: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
@@ -172,6 +196,13 @@ int main(int argc, char** argv) {
         return kExitUsage;
     }
 
+    if (listOptions) {
+        std::cout << talvex::cli::optionListText();
+        return EXIT_SUCCESS;
+    }
+    if (!checkOptionNames(assignments)) {
+        return kExitUsage;
+    }
     settings.options = reportOptions(sections, assignments);
     settings.colour = shouldColourOutput(colourMode);
     try {

@@ -117,6 +117,9 @@ TEST(CliTerminalText, ErrorMessagesNameTheTextSafely) {
     EXPECT_NE(errors.out.find(std::string("X") + kReplacement + "[2J" + kReplacement + ": 400d6"),
               std::string::npos)
         << errors.out;
+    const CliRun option = run({"--option", "tab\x1b[2Jle=no", "1d6"}, "", true);
+    EXPECT_EQ(option.status, 2);
+    EXPECT_TRUE(onlySafeText(option.out, false, problem)) << problem;
 }
 
 TEST(CliTerminalText, JsonStillEscapesControlCharacters) {
