@@ -13,8 +13,10 @@
 
 #include "app/request.h"
 #include "app/startup.h"
+#include "cli/exit_status.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
+#include "cli/language_help.h"
 #include "cli/option_list.h"
 #include "cli/request_watch.h"
 #include "cli/terminal_output.h"
@@ -25,9 +27,10 @@
 namespace {
 
 using talvex::app::CalculationSession;
+using talvex::cli::kExitCalculationFailed;
+using talvex::cli::kExitUsage;
 
-constexpr int kExitUsage = 2;
-constexpr int kExitCalculationFailed = 3;
+static_assert(talvex::cli::RequestWatch::kInterruptedStatus == talvex::cli::kExitInterrupted);
 
 struct Settings {
     std::vector<std::string> expressions;
@@ -181,7 +184,9 @@ int main(int argc, char** argv) {
     std::string colourMode = "auto";
     app.add_option("--color", colourMode, "Colour the reports: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
-    app.footer(talvex::cli::functionHelpText());
+    app.footer(talvex::cli::diceLetterHelpText() + '\n' + talvex::cli::comparatorHelpText() + '\n' +
+               talvex::cli::functionHelpText() + '\n' + talvex::cli::statisticsHelpText() + '\n' +
+               talvex::cli::exitStatusHelpText());
     app.set_version_flag("--version", std::string("talvex-cli ") + TALVEX_VERSION);
     try {
         app.parse(argc, argv);
