@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -46,18 +47,25 @@ std::string optionName(const std::string& assignment) {
     return assignment.substr(0, assignment.find('='));
 }
 
-// The report options: the chosen sections (by default title, statistics and table), then
-// every --option KEY=VALUE, which wins over the sections.
+// The report options: the chosen sections, then every --option KEY=VALUE, which wins over
+// them. With no section chosen the report is the title, the statistics and the table, unless
+// rolls are asked for: then they are all that is printed. The roll section beside anything
+// else carries its heading, so that its number is not read as a line of a table or diagram.
 talvex::core::Options reportOptions(const std::vector<std::string>& sections,
-                                    const std::vector<std::string>& assignments) {
+                                    const std::vector<std::string>& assignments, int rolls) {
     talvex::core::Options options;
-    if (sections.empty()) {
+    if (sections.empty() && rolls == 0) {
         options["title"] = "yes";
         options["statistics"] = "yes";
         options["table"] = "yes";
     }
     for (const std::string& section : sections) {
         options[section] = "yes";
+    }
+    const auto isRoll = [](const std::string& section) { return section == "roll"; };
+    if (std::any_of(sections.begin(), sections.end(), isRoll) &&
+        (rolls > 0 || !std::all_of(sections.begin(), sections.end(), isRoll))) {
+        options["roll heading"] = "yes";
     }
     for (const std::string& assignment : assignments) {
         const auto equals = assignment.find('=');
@@ -122,15 +130,17 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
             // line breaks that would pass for the report's own.
             result.profile.setTitleString(
                 talvex::cli::terminalSafe(result.profile.titleString(), false));
+            const auto report = CalculationSession::report(result.profile, settings.options);
             if (settings.rolls > 0) {
-                std::cout << "rolls:";
+                // Labelled beside a report; alone, the bare numbers on one line.
+                const char* separator = report.empty() ? "" : "rolls: ";
                 for (const auto& roll : result.rolls) {
-                    std::cout << ' '
+                    std::cout << separator
                               << (roll.isDefined() ? roll.quantity().stringValue() : "undefined");
+                    separator = " ";
                 }
                 std::cout << '\n';
             }
-            const auto report = CalculationSession::report(result.profile, settings.options);
             std::cout << talvex::cli::terminalText(report, settings.colour);
         }
     });
@@ -162,7 +172,9 @@ int main(int argc, char** argv) {
                    "it is reported as too large and the others are still calculated")
         ->type_name("SECONDS")
         ->check(CLI::Validator(checkSeconds, ""));
-    app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
+    app.add_option("--rolls", settings.rolls,
+                   "Draw N random rolls from each expression; without a report section, only "
+                   "the rolls are printed, one line per expression")
         ->check(CLI::Range(0, 1000000));
     std::vector<std::string> sections;
     for (const char* section : {"statistics", "table", "diagram", "legend", "roll"}) {
@@ -208,7 +220,7 @@ int main(int argc, char** argv) {
     if (!checkOptionNames(assignments)) {
         return kExitUsage;
     }
-    settings.options = reportOptions(sections, assignments);
+    settings.options = reportOptions(sections, assignments, settings.rolls);
     settings.colour = shouldColourOutput(colourMode);
     try {
         static_cast<void>(

@@ -1,5 +1,5 @@
-// What talvex-cli writes to a terminal: typed text made safe, and colours that read on dark
-// and light backgrounds.
+// What talvex-cli writes to a terminal: the rolls on their own and beside a report, typed text
+// made safe, and colours that read on dark and light backgrounds.
 
 #include <gtest/gtest.h>
 
@@ -19,6 +19,87 @@ using talvex::cli::testing::jsonLines;
 using talvex::cli::testing::run;
 
 constexpr const char* kReplacement = "\xEF\xBF\xBD";
+
+std::vector<std::string> wordsOf(const std::string& line) {
+    std::vector<std::string> words;
+    std::istringstream stream(line);
+    std::string word;
+    while (stream >> word) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+// --- Rolls -------------------------------------------------------------------------------------
+
+TEST(CliRolls, AloneTheyAreOneLineOfNumbersAndNothingElse) {
+    const CliRun result = run({"--seed", "3", "--rolls", "7", "1d6"});
+    ASSERT_EQ(result.status, 0);
+    ASSERT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1);
+    ASSERT_EQ(result.out.back(), '\n');
+    const auto words = wordsOf(result.out);
+    ASSERT_EQ(words.size(), 7U);
+    for (const std::string& word : words) {
+        ASSERT_EQ(word.size(), 1U) << word;
+        EXPECT_GE(word[0], '1');
+        EXPECT_LE(word[0], '6');
+    }
+    // No escape sequence either, even with colours on.
+    const CliRun coloured = run({"--color=always", "--seed", "3", "--rolls", "7", "1d6"});
+    EXPECT_EQ(coloured.out, result.out);
+}
+
+TEST(CliRolls, AloneOneLinePerExpression) {
+    const CliRun result = run({"--seed", "3", "--rolls", "4", "1d6", "2d6", "nothing"});
+    ASSERT_EQ(result.status, 0);
+    std::istringstream stream(result.out);
+    std::string line;
+    std::vector<std::string> lines;
+    while (std::getline(stream, line)) {
+        lines.push_back(line);
+    }
+    ASSERT_EQ(lines.size(), 3U);
+    for (const std::string& each : lines) {
+        EXPECT_EQ(wordsOf(each).size(), 4U) << each;
+    }
+    EXPECT_EQ(lines[2], "undefined undefined undefined undefined");
+}
+
+TEST(CliRolls, BesideAReportTheyAreLabelled) {
+    const CliRun alone = run({"--seed", "3", "--rolls", "3", "1d6"});
+    const CliRun table = run({"--color=never", "--table", "1d6"});
+    const CliRun both = run({"--color=never", "--seed", "3", "--rolls", "3", "--table", "1d6"});
+    ASSERT_EQ(both.status, 0);
+    // The same rolls, labelled, then the report unchanged.
+    EXPECT_EQ(both.out, "rolls: " + alone.out + table.out);
+    // A report chosen through the options counts as one.
+    const CliRun titled =
+        run({"--color=never", "--seed", "3", "--rolls", "3", "--option", "title=yes", "1d6"});
+    EXPECT_EQ(titled.out, "rolls: " + alone.out + "1d6\n\n");
+}
+
+TEST(CliRolls, TheRollSectionBesideAnotherIsLabelled) {
+    const CliRun table = run({"--color=never", "--table", "1d6"});
+    const CliRun both = run({"--color=never", "--seed", "9", "--roll", "--table", "1d6"});
+    ASSERT_EQ(both.status, 0);
+    ASSERT_EQ(both.out.rfind(table.out, 0), 0U);
+    const std::string roll = both.out.substr(table.out.size());
+    ASSERT_EQ(roll.size(), 11U) << roll;
+    EXPECT_EQ(roll.rfind("ROLL:   ", 0), 0U) << roll;
+    EXPECT_GE(roll[8], '1');
+    EXPECT_LE(roll[8], '6');
+    EXPECT_EQ(roll.substr(9), "\n\n");
+
+    const CliRun diagram = run({"--color=never", "--seed", "9", "--roll", "--diagram", "1d2"});
+    EXPECT_NE(diagram.out.find("\nROLL:   "), std::string::npos);
+    const CliRun rolls = run({"--color=never", "--seed", "9", "--rolls", "2", "--roll", "1d6"});
+    EXPECT_NE(rolls.out.find("\nROLL:   "), std::string::npos);
+    EXPECT_EQ(rolls.out.rfind("rolls: ", 0), 0U);
+    // Asked to leave the heading out, it does.
+    const CliRun plain = run({"--color=never", "--seed", "9", "--roll", "--table", "--option",
+                              "roll heading=no", "1d6"});
+    EXPECT_EQ(plain.out.find("ROLL"), std::string::npos);
+}
 
 // --- Typed text on a terminal ----------------------------------------------------------------
 
