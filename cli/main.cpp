@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -13,8 +14,11 @@
 
 #include "app/request.h"
 #include "app/startup.h"
+#include "cli/exit_status.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
+#include "cli/language_help.h"
+#include "cli/option_list.h"
 #include "cli/request_watch.h"
 #include "cli/terminal_output.h"
 #include "core/report_options.h"
@@ -24,9 +28,10 @@
 namespace {
 
 using talvex::app::CalculationSession;
+using talvex::cli::kExitCalculationFailed;
+using talvex::cli::kExitUsage;
 
-constexpr int kExitUsage = 2;
-constexpr int kExitCalculationFailed = 3;
+static_assert(talvex::cli::RequestWatch::kInterruptedStatus == talvex::cli::kExitInterrupted);
 
 struct Settings {
     std::vector<std::string> expressions;
@@ -38,12 +43,18 @@ struct Settings {
     talvex::core::Options options;
 };
 
-// The report options: the chosen sections (by default title, statistics and table), then
-// every --option KEY=VALUE, which wins over the sections.
+std::string optionName(const std::string& assignment) {
+    return assignment.substr(0, assignment.find('='));
+}
+
+// The report options: the chosen sections, then every --option KEY=VALUE, which wins over
+// them. With no section chosen the report is the title, the statistics and the table, unless
+// rolls are asked for: then they are all that is printed. The roll section beside anything
+// else carries its heading, so that its number is not read as a line of a table or diagram.
 talvex::core::Options reportOptions(const std::vector<std::string>& sections,
-                                    const std::vector<std::string>& assignments) {
+                                    const std::vector<std::string>& assignments, int rolls) {
     talvex::core::Options options;
-    if (sections.empty()) {
+    if (sections.empty() && rolls == 0) {
         options["title"] = "yes";
         options["statistics"] = "yes";
         options["table"] = "yes";
@@ -51,12 +62,32 @@ talvex::core::Options reportOptions(const std::vector<std::string>& sections,
     for (const std::string& section : sections) {
         options[section] = "yes";
     }
+    const auto isRoll = [](const std::string& section) { return section == "roll"; };
+    if (std::any_of(sections.begin(), sections.end(), isRoll) &&
+        (rolls > 0 || !std::all_of(sections.begin(), sections.end(), isRoll))) {
+        options["roll heading"] = "yes";
+    }
     for (const std::string& assignment : assignments) {
         const auto equals = assignment.find('=');
-        options[assignment.substr(0, equals)] =
+        options[optionName(assignment)] =
             equals == std::string::npos ? std::string() : assignment.substr(equals + 1);
     }
     return options;
+}
+
+// A name the reports do not know is a typing mistake that would otherwise go unnoticed.
+bool checkOptionNames(const std::vector<std::string>& assignments) {
+    for (const std::string& assignment : assignments) {
+        const std::string name = optionName(assignment);
+        if (!talvex::cli::isReportOptionName(name)) {
+            std::cerr << "talvex-cli: there is no report option \""
+                      << talvex::cli::terminalSafe(talvex::app::shortenedForMessage(name), false)
+                      << "\"; the nearest is \"" << talvex::cli::nearestReportOptionName(name)
+                      << "\" (--list-options shows them all)\n";
+            return false;
+        }
+    }
+    return true;
 }
 
 std::vector<std::string> readExpressions(std::istream& input) {
@@ -95,15 +126,21 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
             talvex::cli::writeResultJson(std::cout, result.expression->rawString(), result.profile,
                                          settings.rolls > 0 ? &result.rolls : nullptr);
         } else {
+            // The title is typed text: on a terminal it may not hold commands, nor tabs and
+            // line breaks that would pass for the report's own.
+            result.profile.setTitleString(
+                talvex::cli::terminalSafe(result.profile.titleString(), false));
+            const auto report = CalculationSession::report(result.profile, settings.options);
             if (settings.rolls > 0) {
-                std::cout << "rolls:";
+                // Labelled beside a report; alone, the bare numbers on one line.
+                const char* separator = report.empty() ? "" : "rolls: ";
                 for (const auto& roll : result.rolls) {
-                    std::cout << ' '
+                    std::cout << separator
                               << (roll.isDefined() ? roll.quantity().stringValue() : "undefined");
+                    separator = " ";
                 }
                 std::cout << '\n';
             }
-            const auto report = CalculationSession::report(result.profile, settings.options);
             std::cout << talvex::cli::terminalText(report, settings.colour);
         }
     });
@@ -113,7 +150,8 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
     if (!problem) {
         return true;
     }
-    std::cerr << "talvex-cli: cannot calculate \"" << talvex::app::shortenedForMessage(text)
+    std::cerr << "talvex-cli: cannot calculate \""
+              << talvex::cli::terminalSafe(talvex::app::shortenedForMessage(text), false)
               << "\": " << *problem << '\n';
     return false;
 }
@@ -134,7 +172,9 @@ int main(int argc, char** argv) {
                    "it is reported as too large and the others are still calculated")
         ->type_name("SECONDS")
         ->check(CLI::Validator(checkSeconds, ""));
-    app.add_option("--rolls", settings.rolls, "Draw N random rolls from each expression")
+    app.add_option("--rolls", settings.rolls,
+                   "Draw N random rolls from each expression; without a report section, only "
+                   "the rolls are printed, one line per expression")
         ->check(CLI::Range(0, 1000000));
     std::vector<std::string> sections;
     for (const char* section : {"statistics", "table", "diagram", "legend", "roll"}) {
@@ -147,12 +187,18 @@ int main(int argc, char** argv) {
     std::vector<std::string> assignments;
     app.add_option("--option", assignments,
                    "Set a report option by its name, e.g. --option \"table max height=10\" "
-                   "(repeatable; bad values fall back to the defaults)")
+                   "(repeatable; an unknown name is an error, bad values fall back to the "
+                   "defaults)")
         ->allow_extra_args(false);
+    bool listOptions = false;
+    app.add_flag("--list-options", listOptions,
+                 "Print every report option with its default and the values it takes, and exit");
     std::string colourMode = "auto";
     app.add_option("--color", colourMode, "Colour the reports: auto, always or never")
         ->check(CLI::IsMember({"auto", "always", "never"}));
-    app.footer(talvex::cli::functionHelpText());
+    app.footer(talvex::cli::diceLetterHelpText() + '\n' + talvex::cli::comparatorHelpText() + '\n' +
+               talvex::cli::functionHelpText() + '\n' + talvex::cli::statisticsHelpText() + '\n' +
+               talvex::cli::exitStatusHelpText());
     app.set_version_flag("--version", std::string("talvex-cli ") + TALVEX_VERSION);
     try {
         app.parse(argc, argv);
@@ -167,7 +213,14 @@ int main(int argc, char** argv) {
         return kExitUsage;
     }
 
-    settings.options = reportOptions(sections, assignments);
+    if (listOptions) {
+        std::cout << talvex::cli::optionListText();
+        return EXIT_SUCCESS;
+    }
+    if (!checkOptionNames(assignments)) {
+        return kExitUsage;
+    }
+    settings.options = reportOptions(sections, assignments, settings.rolls);
     settings.colour = shouldColourOutput(colourMode);
     try {
         static_cast<void>(

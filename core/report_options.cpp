@@ -8,21 +8,15 @@ namespace talvex::core {
 
 namespace {
 
-enum class Rule { AnyText, Style, Bool, Fixed, Integer, Numeric, Direction, BarString, Dividers };
-
-struct OptionRule {
-    const char* name;
-    const char* defaultValue;
-    Rule rule;
-    const char* lower = nullptr;
-    const char* upper = nullptr;
-};
+using Rule = OptionRule;
 
 constexpr const char* kBar = "|";
 
+}  // namespace
+
 // In report order; "log size" is not a default but is always repaired into the result.
-const std::vector<OptionRule>& optionRules() {
-    static const std::vector<OptionRule> rules = {
+const std::vector<OptionSpec>& optionTable() {
+    static const std::vector<OptionSpec> rules = {
         {"header", "", Rule::AnyText},
         {"header style", "default", Rule::Style},
         {"time stamp", "no", Rule::Bool},
@@ -90,6 +84,13 @@ const std::vector<OptionRule>& optionRules() {
     };
     return rules;
 }
+
+const std::vector<std::string>& directionChoices() {
+    static const std::vector<std::string> choices = {"ascending", "descending"};
+    return choices;
+}
+
+namespace {
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
@@ -159,7 +160,7 @@ std::string repairDividers(std::string_view given, const Decimal& totalWeight) {
 
 Options defaultOptions() {
     Options options;
-    for (const OptionRule& rule : optionRules()) {
+    for (const OptionSpec& rule : optionTable()) {
         if (std::string_view(rule.name) != "log size") {
             options.emplace(rule.name, rule.defaultValue);
         }
@@ -170,7 +171,7 @@ Options defaultOptions() {
 const std::vector<std::string>& optionNames() {
     static const std::vector<std::string> names = [] {
         std::vector<std::string> list;
-        for (const OptionRule& rule : optionRules()) {
+        for (const OptionSpec& rule : optionTable()) {
             list.emplace_back(rule.name);
         }
         return list;
@@ -258,8 +259,7 @@ Options patchOptions(const Options* options, const Styles& styles) {
         const auto found = options->find(key);
         return found == options->end() ? std::string_view() : std::string_view(found->second);
     };
-    static const std::vector<std::string> kDirections = {"ascending", "descending"};
-    for (const OptionRule& rule : optionRules()) {
+    for (const OptionSpec& rule : optionTable()) {
         const std::string_view value = given(rule.name);
         std::string repaired;
         switch (rule.rule) {
@@ -282,7 +282,7 @@ Options patchOptions(const Options* options, const Styles& styles) {
                 repaired = fixNumericOption(value, rule.lower, rule.upper, rule.defaultValue);
                 break;
             case Rule::Direction:
-                repaired = fixStringOption(value, kDirections, rule.defaultValue);
+                repaired = fixStringOption(value, directionChoices(), rule.defaultValue);
                 break;
             case Rule::BarString:
                 repaired = value.empty() ? std::string(rule.defaultValue) : std::string(value);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <stdexcept>
@@ -21,6 +22,34 @@ class DividerListError : public std::out_of_range {
   public:
     DividerListError() : std::out_of_range("the divider list holds the same value twice") {}
 };
+
+// How an option's value is repaired, and so what it may hold.
+enum class OptionRule : std::uint8_t {
+    AnyText,    // any text, used unchanged
+    Style,      // the name of a style
+    Bool,       // "yes" or "no", in any case
+    Fixed,      // never taken from the given options: always the default
+    Integer,    // a number between lower and upper, rounded to a whole number
+    Numeric,    // a number between lower and upper
+    Direction,  // one of directionChoices()
+    BarString,  // any non-empty text; "ProfileEmptyBarString" stands for the empty one
+    Dividers,   // distinct numbers between 0 and the diagram total weight, comma-separated
+};
+
+// One option: its name, its default, how it is repaired and, for numbers, the bounds.
+struct OptionSpec {
+    const char* name;
+    const char* defaultValue;
+    OptionRule rule;
+    const char* lower = nullptr;
+    const char* upper = nullptr;
+};
+
+// Every option as patchOptions repairs it, in the order of the report sections, "log size"
+// included. What a front end tells its users about the options comes from here.
+[[nodiscard]] const std::vector<OptionSpec>& optionTable();
+// What a Direction option may hold.
+[[nodiscard]] const std::vector<std::string>& directionChoices();
 
 // Every option with its default value.
 [[nodiscard]] Options defaultOptions();
