@@ -11,6 +11,9 @@ namespace {
 
 // Characters shown each way around a name written into another word.
 constexpr std::size_t kShownAround = 20;
+// Names with characters other than letters, digits and points that are looked for; a text
+// with more is not read beyond its statements.
+constexpr std::size_t kMostOddNames = 16;
 
 struct Definition {
     std::size_t nameBegin = 0;  // cleaned positions
@@ -36,7 +39,11 @@ class StatementCheck {
             return;
         }
         readDefinitions();
-        if (!readExpression()) {
+        const bool expressionOdd = mentionsOddName(m_expressionBegin, m_unit.end);
+        if (expressionOdd) {
+            tokenize(m_analysis.clean, m_analysis.sink, m_names, m_expressionBegin, m_unit.end,
+                     m_expression);
+        } else if (!readExpression()) {
             return;
         }
         for (Definition& definition : m_definitions) {
@@ -49,11 +56,22 @@ class StatementCheck {
         checkCycles();
         checkWrittenInside();
         for (Definition& definition : m_definitions) {
-            if (definition.reachable && !definition.replaced) {
+            if (definition.reachable && !definition.replaced &&
+                !mentionsOddName(definition.valueBegin, definition.valueEnd)) {
                 checkTokens(definition.tokens, false);
             }
         }
-        checkTokens(m_expression, true);
+        if (!expressionOdd) {
+            checkTokens(m_expression, true);
+        }
+    }
+
+    [[nodiscard]] bool mentionsOddName(std::size_t begin, std::size_t end) const {
+        const std::string_view part = view(begin, end);
+        return m_unreadable ||
+               std::any_of(m_oddNames.begin(), m_oddNames.end(), [part](std::string_view name) {
+                   return part.find(name) != std::string_view::npos;
+               });
     }
 
   private:
@@ -143,9 +161,13 @@ class StatementCheck {
                 continue;
             }
             if (!isPlainName(defined)) {
-                // The language replaces such a name wherever it stands; reading words around
-                // it would only guess.
-                m_oddNames = true;
+                // The language replaces such a name wherever it stands, across operators and
+                // all; a part that mentions it is not read here at all.
+                if (m_oddNames.size() < kMostOddNames) {
+                    m_oddNames.push_back(defined);
+                } else {
+                    m_unreadable = true;
+                }
                 continue;
             }
             const std::size_t index = m_definitions.size();
@@ -418,9 +440,7 @@ class StatementCheck {
     void checkTokens(const std::vector<Token>& tokens, bool expressionProper) {
         std::vector<bool> handled(tokens.size(), false);
         checkStructure(m_analysis, tokens, handled, expressionProper);
-        if (!m_oddNames) {
-            checkWords(m_analysis, m_names, tokens, handled);
-        }
+        checkWords(m_analysis, m_names, tokens, handled);
         checkNumbers(m_analysis, tokens);
     }
 
@@ -431,7 +451,8 @@ class StatementCheck {
     std::vector<Definition> m_definitions;
     NameTable m_names;
     std::vector<Token> m_expression;
-    bool m_oddNames = false;
+    std::vector<std::string_view> m_oddNames;
+    bool m_unreadable = false;
 };
 
 }  // namespace
