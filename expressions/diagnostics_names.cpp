@@ -13,7 +13,8 @@ namespace talvex::language::diagnostics_detail {
 namespace {
 
 // How many values each function takes. The one-value functions use their first value and
-// ignore the rest; "max", "min" and "die" take any number but none; "diew" takes pairs.
+// ignore the rest; "max", "min" and "die" take as many as given, but at least one; "diew"
+// takes pairs.
 FunctionShape shapeOf(std::string_view name) {
     constexpr std::array<std::string_view, 21> kFirstOnly = {
         "ln",     "log",    "exp",    "sin",    "cos",    "tan",    "round",
@@ -532,6 +533,12 @@ void reportUnknownWord(Analysis& analysis, const NameTable& names, const std::ve
         return;
     }
     const std::string message = quoted(word) + " is not a known function or name";
+    if (sameIgnoringCase(word, "versus") && endsOperand(tokens, i) &&
+        startsOperand(tokens, i + 1)) {
+        analysis.sink.add(Severity::error, range, message,
+                          Suggestion{range.first, range.second, "vs", {}});
+        return;
+    }
     if ((word == "x" || word == "X") && endsOperand(tokens, i) && startsOperand(tokens, i + 1)) {
         analysis.sink.add(Severity::error, range, message,
                           Suggestion{range.first, range.second, "*", "for multiplying"});

@@ -140,7 +140,7 @@ class StructureCheck {
                 operand(frame);
                 break;
             case TokenKind::tilde:
-                error(i, "'~' only stands in definitions, as in a~1d6;a+a");
+                error(i, "'~' is only for definitions such as a~1d6");
                 operand(frame);
                 break;
             case TokenKind::comparison:
@@ -351,7 +351,7 @@ class StructureCheck {
             at = m_analysis.clean.rawRange(sign.begin, sign.begin + 1);
             message = symbolOf(symbol.substr(0, 1)) + " is not part of the language";
         } else if (relation == Relation::exactly) {
-            message = "'=' only defines names, as in a=1d6;a+a";
+            message = "'=' is only for definitions such as a=1d6";
         } else {
             message = symbolOf(symbol) + " is not part of the language";
         }

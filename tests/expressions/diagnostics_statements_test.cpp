@@ -193,7 +193,7 @@ const std::vector<DiagnosisCase> kStatements = {
                   {error(11, 12, "';' cannot stand inside parentheses")}},
     DiagnosisCase{"TildeOutsideDefinition",
                   "1d6~2",
-                  {error(3, 4, "'~' only stands in definitions, as in a~1d6;a+a")}},
+                  {error(3, 4, "'~' is only for definitions such as a~1d6")}},
     DiagnosisCase{"EmptyFirstStatementIsFine", ";3d6", {}},
     DiagnosisCase{"NumberAfterUnusedHardDefinition",
                   "a~1;5",
