@@ -4,15 +4,10 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/ensure_packages.sh
+source scripts/build_steps.sh
 talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
-
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-if ! cmake --preset release >"$log" 2>&1 ||
-    ! cmake --build --preset release --target talvex talvex-cli >"$log" 2>&1; then
-    cat "$log" >&2
-    exit 1
-fi
+talvex_configure release
+talvex_build release talvex talvex-cli
 
 if [ $# -gt 0 ]; then
     exec build/release/cli/talvex-cli "$@"

@@ -4,14 +4,11 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 source scripts/ensure_packages.sh
+source scripts/build_steps.sh
 talvex_ensure_packages "${TALVEX_BUILD_PACKAGES[@]}"
 
 preset=${1:-ci}
-log=$(mktemp)
-trap 'rm -f "$log"' EXIT
-if ! cmake --preset "$preset" >"$log" 2>&1; then
-    cat "$log" >&2
-    exit 1
-fi
-cmake --build --preset "$preset" -- -k 0 --quiet
+talvex_configure "$preset"
+talvex_build "$preset"
+talvex_step "running the $preset tests"
 ctest --preset "$preset" -j "$(nproc)"

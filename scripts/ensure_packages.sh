@@ -28,7 +28,7 @@ talvex_ensure_packages() {
             return 1
         fi
     fi
-    echo "Installing Debian packages: $missing"
+    echo "Talvex: installing Debian packages: $missing" >&2
     export DEBIAN_FRONTEND=noninteractive
     $sudo apt-get update -qq
     # shellcheck disable=SC2086
