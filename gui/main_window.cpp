@@ -23,6 +23,7 @@
 #include "app/background_runner.h"
 #include "app/controller/controller_state.h"
 #include "app/controller/talvex_controller.h"
+#include "gui/diagnostics_bar.h"
 #include "gui/log_window.h"
 #include "gui/shell_windows.h"
 #include "gui/styled_document.h"
@@ -151,6 +152,7 @@ void MainWindow::buildWidgets() {
     requestRow->addWidget(m_expressionField, 1);
     requestRow->addWidget(m_rollButton);
     layout->addLayout(requestRow);
+    layout->addWidget(new DiagnosticsBar(m_expressionField));
 
     // What to compare and how: the pop-ups, the check boxes and the history.
     auto* choiceRow = new QHBoxLayout;

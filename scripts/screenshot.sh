@@ -47,7 +47,11 @@ xvfb-run -a -s "$screen" bash -c '
     pid=$!
     sleep "${TALVEX_SCREENSHOT_DELAY:-3}"
     import -window root "$5"
+    # A list changed by the calculation is offered for saving at the end, which nobody answers
+    # here: after a moment the window is stopped for good.
     kill "$pid"
+    for _ in 1 2 3 4 5; do kill -0 "$pid" 2>/dev/null || break; sleep 1; done
+    kill -9 "$pid" 2>/dev/null || true
     wait "$pid" 2>/dev/null || true
 ' screenshot "$binary" "$expression" "$comparison" "$tab" "$output"
 echo "Wrote $output"
