@@ -5,6 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "cli/finding_output.h"
+
 namespace talvex::cli {
 
 using core::Decimal;
@@ -56,6 +58,8 @@ class JsonLine {
             string(value.stringValue());
         }
     }
+
+    void number(std::size_t value) { raw(std::to_string(value)); }
 
     template <typename Values>
     void quantities(const Values& values) {
@@ -135,10 +139,84 @@ void checkProbabilities(const std::vector<core::Evaluation>& outcomes, const Dec
     }
 }
 
+void writeLabel(JsonLine& line, std::string_view typed) {
+    if (const auto label = labelOf(typed)) {
+        line.raw(",\"label\":");
+        line.string(*label);
+    }
+}
+
+// Offsets in bytes of the typed text, the column in its characters as on standard error.
+void writeDiagnostics(JsonLine& line, std::string_view typed,
+                      const std::vector<language::Finding>& findings) {
+    if (findings.empty()) {
+        return;
+    }
+    const CharacterColumns columns(typed);
+    line.raw(",\"diagnostics\":[");
+    bool first = true;
+    for (const language::Finding& finding : findings) {
+        line.raw(first ? "{\"severity\":" : ",{\"severity\":");
+        first = false;
+        line.string(severityName(finding.severity));
+        line.raw(",\"begin\":");
+        line.number(finding.begin);
+        line.raw(",\"end\":");
+        line.number(finding.end);
+        line.raw(",\"column\":");
+        line.number(columns.column(finding.begin));
+        line.raw(",\"message\":");
+        line.string(finding.message);
+        if (const auto& suggestion = finding.suggestion) {
+            line.raw(",\"suggestion\":{\"begin\":");
+            line.number(suggestion->begin);
+            line.raw(",\"end\":");
+            line.number(suggestion->end);
+            line.raw(",\"replacement\":");
+            line.string(suggestion->replacement);
+            line.raw(",\"reason\":");
+            line.string(suggestion->reason);
+            line.raw(",\"text\":");
+            line.string(language::applySuggestion(typed, *suggestion));
+            line.raw("}");
+        }
+        line.raw("}");
+    }
+    line.raw("]");
+}
+
 }  // namespace
 
+std::optional<std::string> labelOf(std::string_view typed) {
+    const auto colon = typed.find(':');
+    if (colon == std::string_view::npos) {
+        return std::nullopt;
+    }
+    constexpr std::string_view kBlanks = " \t\r\n";
+    const std::string_view label = typed.substr(0, colon);
+    const auto start = label.find_first_not_of(kBlanks);
+    if (start == std::string_view::npos) {
+        return std::nullopt;
+    }
+    return std::string(label.substr(start, label.find_last_not_of(kBlanks) + 1 - start));
+}
+
+void writeFailureJson(std::ostream& out, const std::string& expression, const std::string& error,
+                      std::string_view typed, const std::vector<language::Finding>& findings) {
+    JsonLine line(out);
+    line.raw("{\"expression\":");
+    line.string(expression);
+    writeLabel(line, typed);
+    line.raw(",\"error\":");
+    line.string(error);
+    writeDiagnostics(line, typed, findings);
+    line.raw("}");
+    line.finish();
+}
+
 void writeResultJson(std::ostream& out, const std::string& expression, const core::Profile& profile,
-                     const std::vector<core::Evaluation>* rolls) {
+                     const std::vector<core::Evaluation>* rolls, std::string_view typed,
+                     const std::vector<language::Finding>& findings) {
     const Decimal total = profile.totalWeight();
     const std::vector<core::Evaluation> outcomes = profile.evaluations();
     checkProbabilities(outcomes, total);
@@ -147,6 +225,7 @@ void writeResultJson(std::ostream& out, const std::string& expression, const cor
     JsonLine line(out);
     line.raw("{\"expression\":");
     line.string(expression);
+    writeLabel(line, typed);
     line.raw(",\"comparator\":");
     line.string(profile.comparatorString());
     line.raw(",\"total_weight\":");
@@ -194,6 +273,7 @@ void writeResultJson(std::ostream& out, const std::string& expression, const cor
         }
         line.raw("]");
     }
+    writeDiagnostics(line, typed, findings);
     line.raw("}");
     line.finish();
 }

@@ -5,6 +5,8 @@
 #include <string_view>
 
 #include "cli/exit_status.h"
+#include "cli/finding_output.h"
+#include "expressions/diagnostics.h"
 
 namespace talvex::cli {
 
@@ -78,6 +80,18 @@ std::string statisticsHelpText() {
            "    printed (descending by default: the chance of that outcome or more).\n";
 }
 
+std::string diagnosticsHelpText() {
+    // The example is the pass's own finding, so that it reads as the program writes it.
+    constexpr std::string_view kExample = "1d20+5>=15";
+    return "Diagnostics: each expression is looked over for likely mistakes before it is\n"
+           "calculated, and each finding is a line on standard error before its result:\n  " +
+           findingLines(kExample, kExample, language::diagnose(kExample), false) +
+           "The column counts characters of the text as typed. When standard error is a\n"
+           "terminal, the text follows with a caret line under the finding. An error is a text\n"
+           "whose result is undefined or not what was meant (exit status 4); a warning, one\n"
+           "whose result may not be the one meant. The result is printed either way.\n";
+}
+
 std::string exitStatusHelpText() {
     std::string text = "Exit status:\n";
     for (const ExitStatus& status : kExitStatuses) {
@@ -86,7 +100,13 @@ std::string exitStatusHelpText() {
         line += status.meaning;
         text += line + '\n';
     }
-    return text;
+    text += "  When several apply, the first of";
+    const char* separator = " ";
+    for (const int status : kExitPrecedence) {
+        text += separator + std::to_string(status);
+        separator = ", ";
+    }
+    return text + " is given.\n";
 }
 
 }  // namespace talvex::cli

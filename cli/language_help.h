@@ -13,6 +13,9 @@ namespace talvex::cli {
 // Where the reported numbers differ from what a textbook would print.
 [[nodiscard]] std::string statisticsHelpText();
 
+// How the findings of the diagnostics pass are told.
+[[nodiscard]] std::string diagnosticsHelpText();
+
 // The exit statuses, one line each.
 [[nodiscard]] std::string exitStatusHelpText();
 

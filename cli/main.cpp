@@ -15,6 +15,7 @@
 #include "app/request.h"
 #include "app/startup.h"
 #include "cli/exit_status.h"
+#include "cli/finding_output.h"
 #include "cli/function_help.h"
 #include "cli/json_output.h"
 #include "cli/language_help.h"
@@ -23,15 +24,23 @@
 #include "cli/terminal_output.h"
 #include "core/report_options.h"
 #include "core/styles.h"
+#include "expressions/diagnostics.h"
+#include "expressions/expression.h"
 #include "kernels/definitions.h"
 
 namespace {
 
 using talvex::app::CalculationSession;
 using talvex::cli::kExitCalculationFailed;
+using talvex::cli::kExitErrorFinding;
+using talvex::cli::kExitInterrupted;
 using talvex::cli::kExitUsage;
+using talvex::language::Finding;
 
 static_assert(talvex::cli::RequestWatch::kInterruptedStatus == talvex::cli::kExitInterrupted);
+// The order main() tests them in, which --help states.
+static_assert(talvex::cli::kExitPrecedence ==
+              std::array{kExitUsage, kExitInterrupted, kExitCalculationFailed, kExitErrorFinding});
 
 struct Settings {
     std::vector<std::string> expressions;
@@ -40,7 +49,16 @@ struct Settings {
     std::optional<long long> seed;
     int rolls = 0;
     bool colour = false;
+    bool diagnostics = true;
+    // Whether the findings are shown under the text, for a reader at a terminal.
+    bool markFindings = false;
     talvex::core::Options options;
+};
+
+// What became of one expression.
+struct Outcome {
+    bool calculated = false;
+    bool errorFound = false;
 };
 
 std::string optionName(const std::string& assignment) {
@@ -118,13 +136,38 @@ bool shouldColourOutput(const std::string& mode) {
         std::getenv("NO_COLOR") != nullptr && *std::getenv("NO_COLOR") != '\0');
 }
 
-// Calculates and prints one expression; false when the calculation could not be finished.
-bool evaluate(const std::string& text, const Settings& settings, CalculationSession& session) {
+// The expression as a message names it on a terminal.
+std::string messageName(const std::string& text) {
+    return talvex::cli::terminalSafe(talvex::app::shortenedForMessage(text), false);
+}
+
+// Looks the text over, and tells the findings on standard error unless they go in the JSON.
+// They come before the result, and before a calculation that may take a while.
+std::vector<Finding> lookOver(const std::string& text, const Settings& settings) {
+    if (!settings.diagnostics) {
+        return {};
+    }
+    std::vector<Finding> findings = talvex::language::diagnose(text);
+    if (!settings.json && !findings.empty()) {
+        std::cerr << talvex::cli::findingLines(messageName(text), text, findings,
+                                               settings.markFindings);
+    }
+    return findings;
+}
+
+// Looks over, calculates and prints one expression.
+Outcome evaluate(const std::string& text, const Settings& settings, CalculationSession& session) {
+    const std::vector<Finding> findings = lookOver(text, settings);
+    Outcome outcome;
+    outcome.errorFound = std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.severity == talvex::language::Severity::error;
+    });
     const auto problem = talvex::app::attempt([&] {
         auto result = session.calculate(text, settings.rolls);
         if (settings.json) {
             talvex::cli::writeResultJson(std::cout, result.expression->rawString(), result.profile,
-                                         settings.rolls > 0 ? &result.rolls : nullptr);
+                                         settings.rolls > 0 ? &result.rolls : nullptr, text,
+                                         findings);
         } else {
             // The title is typed text: on a terminal it may not hold commands, nor tabs and
             // line breaks that would pass for the report's own.
@@ -148,12 +191,18 @@ bool evaluate(const std::string& text, const Settings& settings, CalculationSess
     // of it, and a reader of the pipe sees each result as it comes.
     std::cout.flush();
     if (!problem) {
-        return true;
+        outcome.calculated = true;
+        return outcome;
     }
-    std::cerr << "talvex-cli: cannot calculate \""
-              << talvex::cli::terminalSafe(talvex::app::shortenedForMessage(text), false)
-              << "\": " << *problem << '\n';
-    return false;
+    std::cerr << "talvex-cli: cannot calculate \"" << messageName(text) << "\": " << *problem
+              << '\n';
+    // A JSON reader gets a line for every expression, so that it can pair them.
+    if (settings.json) {
+        talvex::cli::writeFailureJson(std::cout, talvex::language::Expression::cleanString(text),
+                                      *problem, text, findings);
+        std::cout.flush();
+    }
+    return outcome;
 }
 
 }  // namespace
@@ -165,7 +214,14 @@ int main(int argc, char** argv) {
     app.add_option("EXPRESSION", settings.expressions,
                    "Dice expressions such as 3d6 or 5c7 (read from standard input, one per "
                    "line, when none are given; put -- before an expression that starts with -)");
-    app.add_flag("--json", settings.json, "Print one JSON object per expression (JSON Lines)");
+    app.add_flag("--json", settings.json,
+                 "Print one JSON object per expression (JSON Lines), with \"error\" for one that "
+                 "could not be calculated; findings go in its \"diagnostics\", not to standard "
+                 "error");
+    bool noDiagnostics = false;
+    app.add_flag("--no-diagnostics", noDiagnostics,
+                 "Do not look the expressions over for likely mistakes: no findings on standard "
+                 "error or in the JSON, and no exit status 4");
     app.add_option("--seed", settings.seed, "Seed the random generator for the rolls");
     app.add_option("--timeout", settings.timeout,
                    "Stop each expression that has calculated for SECONDS (fractions allowed); "
@@ -198,7 +254,7 @@ int main(int argc, char** argv) {
         ->check(CLI::IsMember({"auto", "always", "never"}));
     app.footer(talvex::cli::diceLetterHelpText() + '\n' + talvex::cli::comparatorHelpText() + '\n' +
                talvex::cli::functionHelpText() + '\n' + talvex::cli::statisticsHelpText() + '\n' +
-               talvex::cli::exitStatusHelpText());
+               talvex::cli::diagnosticsHelpText() + '\n' + talvex::cli::exitStatusHelpText());
     app.set_version_flag("--version", std::string("talvex-cli ") + TALVEX_VERSION);
     try {
         app.parse(argc, argv);
@@ -222,6 +278,8 @@ int main(int argc, char** argv) {
     }
     settings.options = reportOptions(sections, assignments, settings.rolls);
     settings.colour = shouldColourOutput(colourMode);
+    settings.diagnostics = !noDiagnostics;
+    settings.markFindings = isatty(STDERR_FILENO) == 1;
     try {
         static_cast<void>(
             talvex::core::patchOptions(&settings.options, talvex::core::defaultStyles()));
@@ -249,13 +307,18 @@ int main(int argc, char** argv) {
     CalculationSession session;
     session.setRunner(&watch);
     bool allCalculated = true;
+    bool errorFound = false;
     for (const std::string& text : settings.expressions) {
-        if (!evaluate(text, settings, session)) {
-            allCalculated = false;
-        }
+        const Outcome outcome = evaluate(text, settings, session);
+        allCalculated = allCalculated && outcome.calculated;
+        errorFound = errorFound || outcome.errorFound;
     }
+    // The gravest status that applies, in the order of kExitPrecedence.
     if (watch.interrupted()) {
-        return talvex::cli::RequestWatch::kInterruptedStatus;
+        return kExitInterrupted;
     }
-    return allCalculated ? EXIT_SUCCESS : kExitCalculationFailed;
+    if (!allCalculated) {
+        return kExitCalculationFailed;
+    }
+    return errorFound ? kExitErrorFinding : EXIT_SUCCESS;
 }

@@ -95,6 +95,10 @@ std::string terminalSafe(std::string_view text, bool keepLayout) {
     return out;
 }
 
+std::size_t characterLength(std::string_view text) {
+    return text.empty() ? 0 : std::max<std::size_t>(sequenceLength(text), 1);
+}
+
 bool isNearBlack(const core::Color& colour) {
     const auto [darkest, lightest] = std::minmax({colour.red, colour.green, colour.blue});
     // A grey (channels within 16 of each other) no lighter than 25 %.

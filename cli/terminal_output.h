@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,10 @@ namespace talvex::cli {
 // valid UTF-8 replaced by U+FFFD, so that no typed text reaches a terminal as a command. Tab
 // and line feed are kept when `keepLayout`.
 [[nodiscard]] std::string terminalSafe(std::string_view text, bool keepLayout);
+
+// The bytes of the first character of a non-empty text as terminalSafe reads it: a valid
+// UTF-8 sequence, or else the one byte, which it shows as a U+FFFD of its own.
+[[nodiscard]] std::size_t characterLength(std::string_view text);
 
 // Whether a foreground is black or a dark grey, which would vanish on a dark background.
 [[nodiscard]] bool isNearBlack(const core::Color& colour);

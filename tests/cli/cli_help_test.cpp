@@ -68,7 +68,8 @@ std::map<std::string, std::string> outcomesOf(const nlohmann::json& object) {
 TEST(CliHelp, ComparatorCodesAreAsListed) {
     const CliRun result = run({"--json", "2vt1vt3", "1vt1", "1vs1", "1tt1", "1tt2", "1d2tt1d2tt1",
                                "1ch1", "1cw1", "1cw2cw2", "1cl1", "1cu1", "2cu1", "1d6vt(1d2/0)"});
-    ASSERT_EQ(result.status, 0);
+    // The division by 0 is meant here, but it is still an error finding.
+    ASSERT_EQ(result.status, 4);
     const auto lines = jsonLines(result.out);
     ASSERT_EQ(lines.size(), 13U);
     using Outcomes = std::map<std::string, std::string>;
@@ -130,7 +131,8 @@ TEST(CliHelp, ItsExamplesHold) {
     ASSERT_NE(text.find("die(1,2,100,100,100) has median 2."), std::string::npos);
     ASSERT_NE(text.find("die(1/0,4) has mean 2."), std::string::npos);
     const CliRun result = run({"--json", "die(1,2,100,100,100)", "die(1/0,4)", "1d2vs1d2"});
-    ASSERT_EQ(result.status, 0);
+    // The division by 0 is meant here, but it is still an error finding.
+    ASSERT_EQ(result.status, 4);
     const auto lines = jsonLines(result.out);
     ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0]["statistics"]["median"], "2");
@@ -155,9 +157,15 @@ TEST(CliHelp, ListsTheExitStatusesItHas) {
             statuses.push_back(line.substr(2, line.find(' ', 2) - 2));
         }
     }
-    EXPECT_EQ(statuses, (std::vector<std::string>{"0", "2", "3", "130"}));
+    EXPECT_EQ(statuses, (std::vector<std::string>{"0", "2", "3", "4", "130"}));
+    EXPECT_NE(text.find("When several apply, the first of 2, 130, 3, 4 is given."),
+              std::string::npos);
     // Each is what the program does.
     EXPECT_EQ(run({"1d6"}).status, 0);
+    EXPECT_EQ(run({"1d20+5>=15"}).status, 4);
+    EXPECT_EQ(run({"--no-diagnostics", "1d20+5>=15"}).status, 0);
+    EXPECT_EQ(run({"1d20+5>=15", "400d6"}).status, 3);
+    EXPECT_EQ(run({"--color", "sometimes", "1d20+5>=15"}).status, 2);
     EXPECT_EQ(run({"--list-options"}).status, 0);
     EXPECT_EQ(run({"--color", "sometimes", "1d6"}).status, 2);
     EXPECT_EQ(run({"--option", "tabel=no", "1d6"}).status, 2);

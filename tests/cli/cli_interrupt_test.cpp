@@ -44,20 +44,27 @@ void startLongCalculation(CliProcess& process) {
 }
 
 TEST(CliInterrupt, CtrlCCancelsTheRunningExpressionAndTheOthersStillCome) {
-    CliProcess process({"--json", "1d4", longExpression(), "400d6", "3d6"});
+    CliProcess process({"--json", "1d4", longExpression(), "400d6", "3d6", "3D6"});
     ASSERT_NO_FATAL_FAILURE(startLongCalculation(process));
     process.signal(SIGINT);
     const CliProcessResult result = process.finish();
-    // 130 wins over the status of the failure that follows.
+    // 130 wins over the status of the failure that follows, and over the error finding.
     EXPECT_EQ(result.status, 130);
     EXPECT_EQ(result.errors.find(failure(longExpression(), "Calculation cancelled")), 0U)
         << result.errors;
     EXPECT_NE(result.errors.find("400d6"), std::string::npos) << result.errors;
+    // A line for each, the cancelled one and the failed one with their error.
     const auto lines = jsonLines(result.out);
-    ASSERT_EQ(lines.size(), 2U);
+    ASSERT_EQ(lines.size(), 5U);
     EXPECT_EQ(lines[0]["expression"], "1d4");
-    EXPECT_EQ(lines[1]["expression"], "3d6");
-    EXPECT_EQ(lines[1]["outcomes"].size(), 16U);
+    EXPECT_EQ(lines[1]["expression"], longExpression());
+    EXPECT_EQ(lines[1]["error"], "Calculation cancelled");
+    EXPECT_EQ(lines[2]["expression"], "400d6");
+    EXPECT_TRUE(lines[2].contains("error"));
+    EXPECT_EQ(lines[3]["expression"], "3d6");
+    EXPECT_EQ(lines[3]["outcomes"].size(), 16U);
+    EXPECT_EQ(lines[4]["expression"], "3D6");
+    EXPECT_TRUE(lines[4].contains("diagnostics"));
 }
 
 TEST(CliInterrupt, CtrlCWhileWaitingForInputEndsTheProgramAtOnce) {
@@ -81,7 +88,11 @@ TEST(CliInterrupt, CtrlCIsIgnoredWhenTheProgramWasStartedIgnoringIt) {
     EXPECT_EQ(result.status, 3);
     EXPECT_NE(result.errors.find("did not finish within the time limit"), std::string::npos)
         << result.errors;
-    EXPECT_EQ(jsonLines(result.out).size(), 2U);
+    const auto lines = jsonLines(result.out);
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_NE(lines[1].value("error", "").find("did not finish within the time limit"),
+              std::string::npos)
+        << lines[1];
 }
 
 TEST(CliTimeout, AnExpressionPastTheTimeLimitFailsAndTheOthersStillCome) {
@@ -95,8 +106,11 @@ TEST(CliTimeout, AnExpressionPastTheTimeLimitFailsAndTheOthersStillCome) {
               failure(longExpression(),
                       "it is too large to calculate: it did not finish within the time limit"));
     const auto lines = jsonLines(result.out);
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0]["expression"], "3d6");
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]["expression"], longExpression());
+    EXPECT_EQ(lines[0]["error"],
+              "it is too large to calculate: it did not finish within the time limit");
+    EXPECT_EQ(lines[1]["expression"], "3d6");
 }
 
 TEST(CliTimeout, ATimeLimitNotReachedChangesNothing) {

@@ -128,7 +128,8 @@ TEST(CliReport, JsonCarriesTheStatistics) {
 
 TEST(CliReport, JsonStatisticsOfAnUndefinedResultAreNull) {
     const CliRun result = run({"--json", "nothing"});
-    ASSERT_EQ(result.status, 0);
+    // The unknown name is an error finding.
+    ASSERT_EQ(result.status, 4);
     const auto statistics = jsonLines(result.out).front()["statistics"];
     EXPECT_TRUE(statistics["mean"].is_null());
     EXPECT_TRUE(statistics["range"][0].is_null());

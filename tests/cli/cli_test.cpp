@@ -77,14 +77,19 @@ TEST(Cli, JsonKeysComeInTheirOrder) {
 TEST(Cli, LabelledTextAgreesWithThePlainText) {
     const CliRun result = run({"--json", "Roll: 2d6", "2d6"});
     ASSERT_EQ(result.status, 0);
-    const auto lines = jsonLines(result.out);
+    auto lines = jsonLines(result.out);
     ASSERT_EQ(lines.size(), 2U);
+    // Only the label tells them apart.
+    EXPECT_EQ(lines[0]["label"], "Roll");
+    EXPECT_FALSE(lines[1].contains("label"));
+    lines[0].erase("label");
     EXPECT_EQ(lines[0], lines[1]);
 }
 
 TEST(Cli, UndefinedOutcomeHasANullQuantity) {
     const CliRun result = run({"--json", "nothing"});
-    ASSERT_EQ(result.status, 0);
+    // The unknown name is an error finding.
+    ASSERT_EQ(result.status, 4);
     const auto object = jsonLines(result.out).front();
     ASSERT_EQ(object["outcomes"].size(), 1U);
     EXPECT_TRUE(object["outcomes"][0]["quantity"].is_null());
@@ -116,7 +121,7 @@ TEST(Cli, SeededRollsRepeat) {
 
 TEST(Cli, UndefinedRollIsNull) {
     const CliRun result = run({"--json", "--rolls", "2", "nothing"});
-    ASSERT_EQ(result.status, 0);
+    ASSERT_EQ(result.status, 4);
     const auto rolls = jsonLines(result.out).front()["rolls"];
     ASSERT_EQ(rolls.size(), 2U);
     EXPECT_TRUE(rolls[0].is_null());
@@ -142,9 +147,11 @@ TEST(Cli, RangeFaultIsReportedAndTheRestStillEvaluated) {
     const CliRun result = run({"--json", "1d4", "400d6", "2d2"});
     EXPECT_EQ(result.status, 3);
     const auto lines = jsonLines(result.out);
-    ASSERT_EQ(lines.size(), 2U);
+    ASSERT_EQ(lines.size(), 3U);
     EXPECT_EQ(lines[0]["expression"], "1d4");
-    EXPECT_EQ(lines[1]["expression"], "2d2");
+    EXPECT_EQ(lines[1]["expression"], "400d6");
+    EXPECT_NE(lines[1].value("error", "").find("too small"), std::string::npos) << lines[1];
+    EXPECT_EQ(lines[2]["expression"], "2d2");
     const CliRun errors = run({"--json", "1d4", "400d6", "2d2"}, "", true);
     EXPECT_NE(errors.out.find("400d6"), std::string::npos);
     EXPECT_NE(errors.out.find("too small"), std::string::npos);
@@ -224,12 +231,14 @@ TEST(CliCompound, MinusANegativeNumberAdds) {
 TEST(CliCompound, MalformedPiecesAreUndefinedNotErrors) {
     const CliRun result =
         run({"--json", "1/0", "&", "%", "()", "3+", "d6", "1d6vs1d6vt1d6", "a=a+1;a"});
-    ASSERT_EQ(result.status, 0);
+    // Each is calculated, and each is also told as an error finding.
+    ASSERT_EQ(result.status, 4);
     const auto lines = jsonLines(result.out);
     ASSERT_EQ(lines.size(), 8U);
     for (const auto& object : lines) {
         ASSERT_EQ(object["outcomes"].size(), 1U) << object["expression"];
         EXPECT_TRUE(object["outcomes"][0]["quantity"].is_null()) << object["expression"];
+        EXPECT_TRUE(object.contains("diagnostics")) << object["expression"];
     }
 }
 
@@ -240,8 +249,10 @@ TEST(CliCompound, TooDeepANestingIsReportedPlainly) {
     EXPECT_NE(errors.out.find("nest more than"), std::string::npos);
     const CliRun result = run({"--json", deep, "1+1"});
     const auto lines = jsonLines(result.out);
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_EQ(lines[0]["expression"], "1+1");
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_EQ(lines[0]["expression"], deep);
+    EXPECT_NE(lines[0].value("error", "").find("nest more than"), std::string::npos);
+    EXPECT_EQ(lines[1]["expression"], "1+1");
 }
 
 TEST(CliCompound, HugeRandomDiceAreReportedPlainly) {
@@ -418,7 +429,8 @@ TEST(Cli, TextThatIsNotUtf8IsShownNotRefused) {
     const CliRun result = run({"--json"},
                               "\xff\xfe"
                               "1d6\n");
-    EXPECT_EQ(result.status, 0);
+    // Calculated; the bytes are an error finding.
+    EXPECT_EQ(result.status, 4);
     const auto lines = jsonLines(result.out);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines.front()["expression"],
