@@ -58,6 +58,10 @@ std::vector<std::string> largestTexts() {
         "1d61d61e5d61exv1/71e5d61exv1/7",
         "35d3d22e2e6\xa4",
         "3d2200e0vs ",
+        "*5d1115d20-$d1[",
+        "1c00a=1d6;14d611/0d\x03"
+        "3",
+        "3d3d662",
     };
 }
 
