@@ -43,11 +43,17 @@ std::size_t CleanText::rawAfter(std::size_t i) const noexcept {
 
 void FindingSink::add(Severity severity, std::pair<std::size_t, std::size_t> range,
                       std::string message) {
+    if (m_findings.size() >= kMaxFindings) {
+        return;
+    }
     m_findings.push_back(Finding{severity, range.first, range.second, std::move(message), {}});
 }
 
 void FindingSink::add(Severity severity, std::pair<std::size_t, std::size_t> range,
                       std::string message, Suggestion suggestion) {
+    if (m_findings.size() >= kMaxFindings) {
+        return;
+    }
     m_findings.push_back(
         Finding{severity, range.first, range.second, std::move(message), std::move(suggestion)});
 }

@@ -32,10 +32,14 @@ struct Finding {
     std::optional<Suggestion> suggestion;
 };
 
+// More findings than this say nothing a person would read: a text with thousands of mistakes
+// gets the first ones found, and the time and memory stay those of reading it.
+inline constexpr std::size_t kMaxFindings = 100;
+
 // Looks for the usual mistakes in a text as the user typed it (label, blanks, definitions and
 // all), in time linear in its length. It only reads the text: nothing is calculated, and
 // calculating the text afterwards gives exactly what it gives without it. Never throws; the
-// findings are in the order of their ranges.
+// findings are in the order of their ranges, at most kMaxFindings of them.
 [[nodiscard]] std::vector<Finding> diagnose(std::string_view rawText);
 
 // The text with the suggestion's range replaced.

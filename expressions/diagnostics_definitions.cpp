@@ -434,7 +434,8 @@ class StatementCheck {
         }
         m_analysis.sink.add(Severity::warning, m_analysis.rawRange(token),
                             "the name " + quoted(m_analysis.tokenText(token)) +
-                                " is also replaced inside " + quoted(view(first, last)));
+                                " is also replaced inside " + quoted(view(first, last)) +
+                                ": give it a name that appears nowhere else in the text");
     }
 
     void checkTokens(const std::vector<Token>& tokens, bool expressionProper) {

@@ -253,7 +253,12 @@ class StructureCheck {
         } else if (token.kind == TokenKind::exponent) {
             error(i, "'e' needs a number after it, as in 1e3");
         } else {
-            error(i, "nothing follows " + symbolOf(symbol));
+            // Most often a term was left unfinished or the sign typed once too often; without
+            // it the rest reads as it stands.
+            const auto operatorRange = range(i);
+            m_analysis.sink.add(
+                Severity::error, operatorRange, "nothing follows " + symbolOf(symbol),
+                Suggestion{operatorRange.first, operatorRange.second, "", "to leave it out"});
         }
     }
 

@@ -133,9 +133,9 @@ TEST(CliDiagnosticsJson, EachFindingIsAsTheLanguageGivesIt) {
             }
         }
     }
-    // A warning keeps the status 0, the "3d6+" has no suggestion to give.
+    // A warning keeps the status 0; a name written into the dice has no one fix to give.
     EXPECT_EQ(lines[5]["diagnostics"][0]["severity"], "warning");
-    EXPECT_FALSE(lines[3]["diagnostics"][0].contains("suggestion"));
+    EXPECT_FALSE(lines[6]["diagnostics"][0].contains("suggestion"));
 }
 
 TEST(CliDiagnosticsJson, AFailedCalculationKeepsItsFindings) {

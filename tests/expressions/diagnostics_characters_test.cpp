@@ -133,8 +133,11 @@ const std::vector<DiagnosisCase> kParentheses = {
 
 // Operators with nothing on one side; signs after an operator are no mistake.
 const std::vector<DiagnosisCase> kOperators = {
-    DiagnosisCase{
-        "NothingAfterPlus", "3d6+", {error(3, 4, "nothing follows '+'")}, "nothing follows '+'"},
+    DiagnosisCase{"NothingAfterPlus",
+                  "3d6+",
+                  {error(3, 4, "nothing follows '+'", fix(3, 4, "", "to leave it out"))},
+                  "nothing follows '+'; to leave it out write 3d6",
+                  true},
     DiagnosisCase{"NothingBeforeTimes", "*2", {error(0, 1, "nothing comes before '*'")}},
     DiagnosisCase{
         "DoubleStar",
@@ -144,7 +147,9 @@ const std::vector<DiagnosisCase> kOperators = {
         true},
     DiagnosisCase{"TimesThenDivide", "3*/2", {error(2, 3, "nothing stands between '*' and '/'")}},
     DiagnosisCase{"NothingBeforeTimesInGroup", "(*2)", {error(1, 2, "nothing comes before '*'")}},
-    DiagnosisCase{"ComparatorWithoutSecond", "3d6 vs", {error(4, 6, "nothing follows 'vs'")}},
+    DiagnosisCase{"ComparatorWithoutSecond",
+                  "3d6 vs",
+                  {error(4, 6, "nothing follows 'vs'", fix(4, 6, "", "to leave it out"))}},
     DiagnosisCase{"ComparatorWithoutFirst", "vs 1d6", {error(0, 2, "nothing comes before 'vs'")}},
     DiagnosisCase{"ExponentAlone", "e", {error(0, 1, "'e' needs a number before it, as in 1e3")}},
     DiagnosisCase{

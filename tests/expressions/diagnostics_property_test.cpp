@@ -199,6 +199,14 @@ constexpr const char* kMistakes =
 // Each text is built for a size n (at least 16 KB, so that a run takes milliseconds) and for
 // 16n. Linear time gives a ratio near 16, quadratic near 256; 128 leaves room for a loaded
 // machine and for the caches, which a text of a few hundred thousand findings outgrows.
+TEST(DiagnosticsLimits, AThousandMistakesGiveAHundredFindingsInOrder) {
+    const std::vector<Finding> findings = diagnose(std::string(1000, '(') + "3D6+#");
+    EXPECT_EQ(findings.size(), kMaxFindings);
+    EXPECT_TRUE(
+        std::is_sorted(findings.begin(), findings.end(),
+                       [](const Finding& a, const Finding& b) { return a.begin < b.begin; }));
+}
+
 TEST(DiagnosticsTime, GrowsLinearlyWithTheText) {
     const std::vector<std::pair<const char*, std::string (*)(std::size_t)>> shapes = {
         {"mistakes", [](std::size_t n) { return repeated(kMistakes, "+", n); }},

@@ -130,13 +130,22 @@ const std::vector<DiagnosisCase> kDefinitions = {
                   {warning(0, 1, "a definition needs a name before '='; this one is left out")}},
     DiagnosisCase{"DiceLetterAsName",
                   "d=1d6;d+d",
-                  {warning(3, 4, "the name 'd' is also replaced inside '1d6'")},
-                  "the name 'd' is also replaced inside '1d6'"},
-    DiagnosisCase{"NameInsideDice",
-                  "c=2;5c7+c",
-                  {warning(5, 6, "the name 'c' is also replaced inside '5c7'")}},
+                  {warning(3, 4,
+                           "the name 'd' is also replaced inside '1d6'"
+                           ": give it a name that appears nowhere else in the text")},
+                  "the name 'd' is also replaced inside '1d6': give it a name that appears nowhere "
+                  "else in the text"},
     DiagnosisCase{
-        "NameBeforeDigits", "x=3;x2", {warning(4, 5, "the name 'x' is also replaced inside 'x2'")}},
+        "NameInsideDice",
+        "c=2;5c7+c",
+        {warning(5, 6,
+                 "the name 'c' is also replaced inside '5c7': give it a name that appears "
+                 "nowhere else in the text")}},
+    DiagnosisCase{"NameBeforeDigits",
+                  "x=3;x2",
+                  {warning(4, 5,
+                           "the name 'x' is also replaced inside 'x2': give it a name that appears "
+                           "nowhere else in the text")}},
     DiagnosisCase{"FunctionAsName",
                   "max=3;max+1",
                   {warning(0, 3, "'max' is a function; this definition replaces it everywhere")}},
