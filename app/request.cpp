@@ -92,6 +92,8 @@ void CalculationSession::runInRequest(const std::function<void()>& work) {
             work();
         });
     } catch (...) {
+        // Nothing the failed request built stays; a sub-expression it finished would be
+        // correct, but keeping it could keep the very memory that stopped it.
         context.discardAdditions();
         throw;
     }
@@ -140,28 +142,8 @@ language::ExpressionPointer CalculationSession::build(std::string_view text) {
     if (m_workThread.load() == std::this_thread::get_id()) {
         return language::Expression::expressionWithString(text, *m_request);
     }
-    if (m_building) {
-        throw std::logic_error("a calculation is already under way");
-    }
-    struct Building {
-        bool& flag;
-        explicit Building(bool& building) : flag(building) { flag = true; }
-        ~Building() { flag = false; }
-        Building(const Building&) = delete;
-        Building& operator=(const Building&) = delete;
-    } building(m_building);
-    const Request request(*this);
-    language::RequestContext& context = *m_request;
     language::ExpressionPointer built;
-    try {
-        m_runner->run(context,
-                      [&] { built = language::Expression::expressionWithString(text, context); });
-    } catch (...) {
-        // Nothing the failed request built stays; a sub-expression it finished would be
-        // correct, but keeping it could keep the very memory that stopped it.
-        context.discardAdditions();
-        throw;
-    }
+    runInRequest([&] { built = language::Expression::expressionWithString(text, *m_request); });
     return built;
 }
 
