@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <optional>
 #include <system_error>
 
 #include "core/wide_integer.h"
@@ -43,7 +42,7 @@ const char* faultText(DecimalFault fault) noexcept {
 // either pass an exact value or one that loses at least one digit here. Halves round away from
 // zero, which depends only on the first digit removed, so the fraction below n never matters.
 // A result needing an exponent below the minimum is rounded at the minimum exponent instead.
-[[nodiscard]] Decimal roundExact(const U256& n, long exponent, bool negative) {
+[[nodiscard]] [[gnu::noinline]] Decimal roundExact(const U256& n, long exponent, bool negative) {
     if (n.isZero()) {
         return Decimal::zero();
     }
@@ -101,6 +100,70 @@ const char* faultText(DecimalFault fault) noexcept {
     return make(mantissa, static_cast<int>(exponent), negative);
 }
 
+// roundExact for a product of two 64-bit mantissas: directly where the result keeps its
+// exponent or drops one digit and stays inside the exponent range. The product is below 2^128,
+// so it has at most 39 digits.
+[[nodiscard]] Decimal roundNarrowProduct(U128 product, long exponent, bool negative) {
+    if (product < kMantissaLimit) {
+        if (exponent < Decimal::kMinExponent || exponent > Decimal::kMaxExponent) {
+            return roundExact(U256::from128(product), exponent, negative);
+        }
+        return product == 0 ? Decimal::zero() : make(product, static_cast<int>(exponent), negative);
+    }
+    // 39 digits: drop the last one, halves away from zero, as roundExact does.
+    long keptExponent = exponent + 1;
+    if (keptExponent < Decimal::kMinExponent) {
+        return roundExact(U256::from128(product), exponent, negative);
+    }
+    std::uint64_t lastDigit = 0;
+    U128 kept = wide::divide128By10(product, lastDigit) + (lastDigit >= 5 ? 1 : 0);
+    if (kept == kMantissaLimit) {
+        kept = wide::pow10(Decimal::kMaxDigits - 1);
+        keptExponent += 1;
+    }
+    if (keptExponent > Decimal::kMaxExponent) {
+        return roundExact(U256::from128(product), exponent, negative);
+    }
+    return make(kept, static_cast<int>(keptExponent), negative);
+}
+
+// roundExact for a product with a mantissa of more than 64 bits. Between two 38-digit weights,
+// as every combination forms them, 20 to 38 digits are dropped by one reciprocal
+// multiplication instead of two passes of hardware divisions. The quotient and remainder are
+// exact, so rounding half away from zero is decided exactly as roundExact decides it. Results
+// at the exponent range's ends and products that keep every digit go to roundExact.
+[[nodiscard]] Decimal roundWideProduct(const U256& product, long exponent, bool negative) {
+    const int digits = wide::digitCount(product);
+    const int drop = digits - Decimal::kMaxDigits;
+    long keptExponent = exponent + drop;
+    if (drop < 1 || keptExponent < Decimal::kMinExponent) {
+        return roundExact(product, exponent, negative);
+    }
+    U128 remainder = 0;
+    U128 kept = 0;
+    if (drop >= 20) {
+        kept = wide::divideWideByPow10(product, drop, remainder);
+    } else {
+        // A 38-digit weight times a small whole number: one division by a 64-bit power.
+        std::uint64_t smallRemainder = 0;
+        kept = wide::divideSmall(product, static_cast<std::uint64_t>(wide::pow10(drop)),
+                                 smallRemainder)
+                   .low128();
+        remainder = smallRemainder;
+    }
+    if (remainder >= 5 * wide::pow10(drop - 1)) {
+        ++kept;
+    }
+    if (kept == kMantissaLimit) {
+        kept = wide::pow10(Decimal::kMaxDigits - 1);
+        keptExponent += 1;
+    }
+    if (keptExponent > Decimal::kMaxExponent) {
+        return roundExact(product, exponent, negative);
+    }
+    return make(kept, static_cast<int>(keptExponent), negative);
+}
+
 // Removes trailing zeros while the exponent allows; used on exact quotients so that 6/3 is
 // stored as 2 rather than as 2 followed by 38 zeros.
 [[nodiscard]] Decimal stripTrailingZeros(const Decimal& d) noexcept {
@@ -143,42 +206,47 @@ const char* faultText(DecimalFault fault) noexcept {
     return ma == scaled ? 0 : (ma < scaled ? -1 : 1);
 }
 
+// The sum of operands whose exponents differ by more than the larger one's spare digits,
+// exactly in 256 bits and then rounded.
+[[nodiscard]] [[gnu::noinline]] Decimal addExact(U128 mBig, int exponentBig, int digitsBig,
+                                                 bool negative, U128 mSmall, int exponentSmall,
+                                                 bool sameSign) {
+    const int shift = exponentBig - exponentSmall;
+    // The smaller operand lies entirely below the 40th digit of the larger one: it cannot move
+    // the rounded result, so the larger operand is the answer.
+    const int gap = digitsBig + shift - wide::digitCount(mSmall);
+    if (gap >= 40) {
+        return make(mBig, exponentBig, negative);
+    }
+    // Here the aligned larger operand has at most 77 digits, which 256 bits hold; it also has
+    // more digits than the smaller one, so a difference keeps the larger operand's sign.
+    U256 scaledBig = U256::from128(mBig);
+    for (int remaining = shift; remaining > 0;) {
+        const int step = remaining < 38 ? remaining : 38;
+        scaledBig = wide::multiply(scaledBig, wide::pow10(step));
+        remaining -= step;
+    }
+    const U256 other = U256::from128(mSmall);
+    const U256 exact = sameSign ? wide::add(scaledBig, other) : wide::subtract(scaledBig, other);
+    return roundExact(exact, exponentSmall, negative);
+}
+
 // The common case of adding operands whose exponents differ by more than the larger one's
 // spare digits, in 128 bits: the larger operand is widened to 38 digits and the smaller one
 // is split at that precision into a whole part and a remainder that decides the rounding.
-// Gives nothing where that is not enough (a borrow that loses a digit, results at the ends of
-// the exponent range); the exact 256-bit path then takes over.
-[[nodiscard]] std::optional<Decimal> addShifted(U128 mBig, int exponentBig, int digitsBig,
-                                                bool negative, U128 mSmall, int exponentSmall,
-                                                bool sameSign) noexcept {
+// Where that is not enough (a borrow that loses a digit, results at the ends of the exponent
+// range) the exact 256-bit path takes over.
+[[nodiscard]] Decimal addShifted(U128 mBig, int exponentBig, int digitsBig, bool negative,
+                                 U128 mSmall, int exponentSmall, bool sameSign) {
     const int widen = Decimal::kMaxDigits - digitsBig;
     const int exponent = exponentBig - widen;
     const int split = exponent - exponentSmall;  // digits of the smaller operand below the unit
     if (exponent < Decimal::kMinExponent || exponent >= Decimal::kMaxExponent || split > 38) {
-        return std::nullopt;
+        return addExact(mBig, exponentBig, digitsBig, negative, mSmall, exponentSmall, sameSign);
     }
     const U128 wideBig = mBig * wide::pow10(widen);
-    U128 whole = 0;
     U128 remainder = 0;
-    if (split == 1) {
-        std::uint64_t r = 0;
-        whole = wide::divide128By10(mSmall, r);
-        remainder = r;
-    } else if (split <= 19) {
-        std::uint64_t r = 0;
-        whole = wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(split)), r);
-        remainder = r;
-    } else {
-        // Two divisions by 64-bit powers of ten are much cheaper than one by a 128-bit one.
-        constexpr int kChunk = 19;
-        std::uint64_t low = 0;
-        std::uint64_t high = 0;
-        const U128 partial =
-            wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(kChunk)), low);
-        whole =
-            wide::divide128(partial, static_cast<std::uint64_t>(wide::pow10(split - kChunk)), high);
-        remainder = static_cast<U128>(high) * wide::pow10(kChunk) + low;
-    }
+    const U128 whole = wide::dividePow10Fast(mSmall, split, remainder);
     const U128 half = 5 * wide::pow10(split - 1);
     if (sameSign) {
         const U128 sum = wideBig + whole;
@@ -198,7 +266,7 @@ const char* faultText(DecimalFault fault) noexcept {
     }
     const U128 floor = wideBig - whole - 1;
     if (floor < wide::pow10(Decimal::kMaxDigits - 1)) {
-        return std::nullopt;
+        return addExact(mBig, exponentBig, digitsBig, negative, mSmall, exponentSmall, sameSign);
     }
     return make(floor + (remainder <= half ? 1 : 0), exponent, negative);
 }
@@ -220,8 +288,9 @@ const char* faultText(DecimalFault fault) noexcept {
     const int exponent = small->exponent();
     const bool sameSign = bigNegative == smallNegative;
 
-    const int digitsBig = wide::digitCount(mBig);
-    if (digitsBig + shift <= Decimal::kMaxDigits) {
+    // Aligned operands need no digit count: both are below 10^38, so their sum fits 128 bits.
+    const int digitsBig = shift == 0 ? 0 : wide::digitCount(mBig);
+    if (shift == 0 || digitsBig + shift <= Decimal::kMaxDigits) {
         // Both fit 128 bits once aligned: the usual case for whole numbers and probabilities.
         const U128 aligned = mBig * wide::pow10(shift);
         if (sameSign) {
@@ -243,27 +312,8 @@ const char* faultText(DecimalFault fault) noexcept {
         return aligned > mSmall ? make(aligned - mSmall, exponent, bigNegative)
                                 : make(mSmall - aligned, exponent, smallNegative);
     }
-    if (const auto fast = addShifted(mBig, big->exponent(), digitsBig, bigNegative, mSmall,
-                                     small->exponent(), sameSign)) {
-        return *fast;
-    }
-    // The smaller operand lies entirely below the 40th digit of the larger one: it cannot move
-    // the rounded result, so the larger operand is the answer.
-    const int gap = digitsBig + shift - wide::digitCount(mSmall);
-    if (gap >= 40) {
-        return make(mBig, big->exponent(), bigNegative);
-    }
-    // Here the aligned larger operand has at most 77 digits, which 256 bits hold; it also has
-    // more digits than the smaller one, so a difference keeps the larger operand's sign.
-    U256 scaledBig = U256::from128(mBig);
-    for (int remaining = shift; remaining > 0;) {
-        const int step = remaining < 38 ? remaining : 38;
-        scaledBig = wide::multiply(scaledBig, wide::pow10(step));
-        remaining -= step;
-    }
-    const U256 other = U256::from128(mSmall);
-    const U256 exact = sameSign ? wide::add(scaledBig, other) : wide::subtract(scaledBig, other);
-    return roundExact(exact, exponent, bigNegative);
+    return addShifted(mBig, big->exponent(), digitsBig, bigNegative, mSmall, small->exponent(),
+                      sameSign);
 }
 
 }  // namespace
@@ -403,7 +453,7 @@ int Decimal::compareSlow(const Decimal& other) const noexcept {
     return signA > 0 ? magnitude : -magnitude;
 }
 
-Decimal Decimal::decimalNumberByAdding(const Decimal& other) const {
+Decimal Decimal::addGeneral(const Decimal& other) const {
     if (m_nan || other.m_nan) {
         return notANumber();
     }
@@ -439,10 +489,10 @@ Decimal Decimal::decimalNumberByMultiplyingBy(const Decimal& other) const {
     const bool negative = m_negative != other.m_negative;
     const long exponent = static_cast<long>(m_exponent) + other.m_exponent;
     if (m_hi == 0 && other.m_hi == 0) {
-        const U128 product = static_cast<U128>(m_lo) * other.m_lo;
-        return roundExact(U256::from128(product), exponent, negative);
+        return roundNarrowProduct(static_cast<U128>(m_lo) * other.m_lo, exponent, negative);
     }
-    return roundExact(wide::multiply128(mantissaOf(*this), mantissaOf(other)), exponent, negative);
+    return roundWideProduct(wide::multiplyFull(mantissaOf(*this), mantissaOf(other)), exponent,
+                            negative);
 }
 
 Decimal Decimal::decimalNumberByDividingBy(const Decimal& other) const {
@@ -505,11 +555,19 @@ Decimal Decimal::decimalNumberByRaisingToPower(unsigned power) const {
 }
 
 std::string Decimal::stringValue() const {
+    std::string text;
+    appendStringValue(text);
+    return text;
+}
+
+void Decimal::appendStringValue(std::string& text) const {
     if (m_nan) {
-        return "NaN";
+        text += "NaN";
+        return;
     }
     if (isZero()) {
-        return "0";
+        text += '0';
+        return;
     }
     const U128 m = mantissaOf(*this);
     char digits[48];
@@ -537,8 +595,7 @@ std::string Decimal::stringValue() const {
         ++exponent;
     }
     const long length = end - digits;
-    std::string text;
-    text.reserve(static_cast<std::size_t>(length + std::labs(exponent) + 3));
+    text.reserve(text.size() + static_cast<std::size_t>(length + std::labs(exponent) + 3));
     if (m_negative) {
         text.push_back('-');
     }
@@ -555,7 +612,6 @@ std::string Decimal::stringValue() const {
         text.append(static_cast<std::size_t>(-(length + exponent)), '0');
         text.append(digits, end);
     }
-    return text;
 }
 
 double Decimal::doubleValue() const noexcept {

@@ -75,7 +75,16 @@ class Decimal {
         return compareSlow(other);
     }
 
-    [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const;
+    [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const {
+        // Whole numbers, and weights of one scale: two mantissas below 2^63 at one exponent and
+        // of one sign add up exactly, below 2^64 and so within 38 digits; nothing rounds.
+        if (m_exponent == other.m_exponent && m_negative == other.m_negative &&
+            (m_hi | other.m_hi) == 0 && ((m_lo | other.m_lo) >> 63) == 0 && !m_nan &&
+            !other.m_nan) {
+            return Decimal{0, m_lo + other.m_lo, m_exponent, m_negative, false};
+        }
+        return addGeneral(other);
+    }
     [[nodiscard]] Decimal decimalNumberBySubtracting(const Decimal& other) const;
     [[nodiscard]] Decimal decimalNumberByMultiplyingBy(const Decimal& other) const;
     [[nodiscard]] Decimal decimalNumberByDividingBy(const Decimal& other) const;
@@ -84,6 +93,8 @@ class Decimal {
 
     // Plain text without exponent and without trailing zeros after the point; "NaN" if undefined.
     [[nodiscard]] std::string stringValue() const;
+    // Appends stringValue() to `text`, for writers of many numbers.
+    void appendStringValue(std::string& text) const;
     // The nearest double; NaN if undefined.
     [[nodiscard]] double doubleValue() const noexcept;
     // Truncated toward zero, saturated to the type's range; 0 if undefined.
@@ -135,6 +146,7 @@ class Decimal {
 
   private:
     [[nodiscard]] int compareSlow(const Decimal& other) const noexcept;
+    [[nodiscard]] Decimal addGeneral(const Decimal& other) const;
 
     std::uint64_t m_lo = 0;
     std::uint64_t m_hi = 0;

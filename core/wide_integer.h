@@ -194,11 +194,11 @@ inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256
     if (x == 0) {
         return 0;
     }
-    int d = (bitLength(x) * 1233) >> 12;  // floor(bits * log10(2)), never too high
-    while (d < kPow10Count128 && x >= kPow10[static_cast<std::size_t>(d)]) {
-        ++d;
-    }
-    return d;
+    // For every bit length b up to 256, floor(b * 1233 / 4096) is the digit count of the
+    // smallest b-bit numbers or one below it, so one comparison settles it, without a branch
+    // to mispredict.
+    const int d = (bitLength(x) * 1233) >> 12;
+    return d + (x >= kPow10[static_cast<std::size_t>(d)] ? 1 : 0);
 }
 
 [[nodiscard]] constexpr int digitCount(const U256& x) noexcept {
@@ -213,11 +213,139 @@ inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256
             break;
         }
     }
-    int d = (bits * 1233) >> 12;
-    while (d < kPow10Count256 && compare(x, kPow10Wide[static_cast<std::size_t>(d)]) >= 0) {
-        ++d;
+    const int d = (bits * 1233) >> 12;  // the digit count or one below it, as above
+    return d + (compare(x, kPow10Wide[static_cast<std::size_t>(d)]) >= 0 ? 1 : 0);
+}
+
+// The high 128 bits of the 256-bit product a * b.
+[[nodiscard]] constexpr U128 multiplyHigh(U128 a, U128 b) noexcept {
+    const U128 p00 = static_cast<U128>(low(a)) * low(b);
+    const U128 p01 = static_cast<U128>(low(a)) * high(b);
+    const U128 p10 = static_cast<U128>(high(a)) * low(b);
+    const U128 p11 = static_cast<U128>(high(a)) * high(b);
+    const U128 middle = static_cast<U128>(high(p00)) + low(p01) + low(p10);
+    return p11 + high(p01) + high(p10) + high(middle);
+}
+
+// The whole 256-bit product a * b.
+[[nodiscard]] constexpr U256 multiplyFull(U128 a, U128 b) noexcept {
+    const U128 p00 = static_cast<U128>(low(a)) * low(b);
+    const U128 p01 = static_cast<U128>(low(a)) * high(b);
+    const U128 p10 = static_cast<U128>(high(a)) * low(b);
+    const U128 p11 = static_cast<U128>(high(a)) * high(b);
+    const U128 middle = static_cast<U128>(high(p00)) + low(p01) + low(p10);
+    const U128 upper = p11 + high(p01) + high(p10) + high(middle);
+    return U256{{low(p00), low(middle), low(upper), high(upper)}};
+}
+
+// Division by 10^k (1 <= k <= 38) of any 128-bit n as a multiplication, after Granlund and
+// Montgomery: floor(n / 10^k) = floor((n >> k) / 5^k), and for x < 2^N and d = 5^k with
+// 2^(l-1) < d < 2^l, m = floor(2^(N+l) / d) + 1 gives floor(x / d) = floor(x * m / 2^(N+l)),
+// because m * d - 2^(N+l) <= d <= 2^l. Shifting first leaves N = 128 - k, so m < 2^(N+1)
+// fits 128 bits; and l >= k, so the quotient is the high half shifted by l - k.
+struct Pow10Divisor {
+    U128 magic = 0;
+    int shift = 0;
+};
+
+[[nodiscard]] consteval std::array<Pow10Divisor, kPow10Count128> makePow10Divisors() {
+    std::array<Pow10Divisor, kPow10Count128> table{};
+    U128 five = 1;
+    for (int k = 1; k < kPow10Count128; ++k) {
+        five *= 5;
+        const int l = bitLength(five);  // 5^k is no power of two: 2^(l-1) < 5^k < 2^l
+        const int top = 128 - k + l;
+        // floor(2^top / 5^k) by long division, one bit at a time.
+        U128 quotient = 0;
+        U128 remainder = 0;
+        for (int bit = top; bit >= 0; --bit) {
+            remainder = 2 * remainder + (bit == top ? 1 : 0);
+            if (remainder >= five) {
+                remainder -= five;
+                if (bit >= 128) {
+                    throw "the magic number does not fit 128 bits";
+                }
+                quotient |= U128{1} << bit;
+            }
+        }
+        table[static_cast<std::size_t>(k)] = {quotient + 1, l - k};
     }
-    return d;
+    return table;
+}
+
+inline constexpr std::array<Pow10Divisor, kPow10Count128> kPow10Divisors = makePow10Divisors();
+
+// floor(n / 10^k) for 1 <= k <= 38 without a hardware division; `rem` gets n mod 10^k.
+[[nodiscard]] constexpr U128 dividePow10Fast(U128 n, int k, U128& rem) noexcept {
+    const Pow10Divisor& divisor = kPow10Divisors[static_cast<std::size_t>(k)];
+    const U128 q = multiplyHigh(n >> k, divisor.magic) >> divisor.shift;
+    rem = n - q * pow10(k);
+    return q;
+}
+
+// Barrett's reduction (Handbook of Applied Cryptography, 14.42) with 64-bit digits for the
+// divisors 10^k, 20 <= k <= 38, which take two digits: mu = floor(2^256 / 10^k) has three.
+[[nodiscard]] consteval std::array<U256, kPow10Count128> makeBarrettReciprocals() {
+    std::array<U256, kPow10Count128> table{};
+    for (int k = 20; k < kPow10Count128; ++k) {
+        const U128 d = kPow10[static_cast<std::size_t>(k)];
+        U256 quotient;
+        U128 remainder = 0;
+        for (int bit = 256; bit >= 0; --bit) {
+            remainder = 2 * remainder + (bit == 256 ? 1 : 0);  // stays below 2^128: d < 2^127
+            if (remainder >= d) {
+                remainder -= d;
+                quotient.limb[static_cast<std::size_t>(bit / 64)] |= std::uint64_t{1} << (bit % 64);
+            }
+        }
+        table[static_cast<std::size_t>(k)] = quotient;
+    }
+    return table;
+}
+
+inline constexpr std::array<U256, kPow10Count128> kBarrettReciprocals = makeBarrettReciprocals();
+
+// floor(n / 10^k) for 20 <= k <= 38 and any n whose quotient is below 2^128; `rem` gets the
+// remainder. The estimate q3 = floor(floor(n / 2^64) * mu / 2^192) is at most two below the
+// quotient, so the remainder n - q3 * 10^k is below 3 * 10^38 < 2^128 and is exact in the low
+// 128 bits alone.
+[[nodiscard]] constexpr U128 divideWideByPow10(const U256& n, int k, U128& rem) noexcept {
+    const U256& mu = kBarrettReciprocals[static_cast<std::size_t>(k)];
+    const std::uint64_t x0 = n.limb[1];
+    const std::uint64_t x1 = n.limb[2];
+    const std::uint64_t x2 = n.limb[3];
+    // Column sums of the 3 x 3 limb product, each with the carry of the one below it; a column
+    // of three products needs a third word.
+    U128 column = static_cast<U128>(x0) * mu.limb[0];
+    column = static_cast<U128>(high(column));
+    std::uint64_t overflow = 0;
+    const auto add = [&column, &overflow](U128 term) {
+        column += term;
+        overflow += column < term ? 1 : 0;
+    };
+    add(static_cast<U128>(x0) * mu.limb[1]);
+    add(static_cast<U128>(x1) * mu.limb[0]);
+    column = make128(overflow, high(column));
+    overflow = 0;
+    add(static_cast<U128>(x0) * mu.limb[2]);
+    add(static_cast<U128>(x1) * mu.limb[1]);
+    add(static_cast<U128>(x2) * mu.limb[0]);
+    column = make128(overflow, high(column));
+    overflow = 0;
+    add(static_cast<U128>(x1) * mu.limb[2]);
+    add(static_cast<U128>(x2) * mu.limb[1]);
+    const std::uint64_t qLow = low(column);
+    column = make128(overflow, high(column));
+    add(static_cast<U128>(x2) * mu.limb[2]);
+    U128 q = make128(low(column), qLow);
+    const U128 d = pow10(k);
+    U128 r = n.low128() - q * d;
+    while (r >= d) {
+        r -= d;
+        ++q;
+    }
+    rem = r;
+    return q;
 }
 
 // floor(n / 10^k) for any k >= 0.

@@ -753,6 +753,62 @@ def randomText(rng):
 # Building the cases and running the driver.
 
 
+# The cases the shortcuts of addition and multiplication single out: mantissas of 64 bits,
+# products that keep every digit or drop 1 to 38 of them, carries to 10^38, dropped parts of
+# exactly one half, and results at both ends of the exponent range.
+def fastMantissa(rng):
+    return rng.randint(1, 2**63 - 1) if rng.random() < 0.5 else rng.randint(2**63, 2**64 - 1)
+
+
+def pairFastProduct(rng):
+    kind = rng.randrange(6)
+    if kind == 0:  # two 64-bit mantissas around 10^38, so that one digit is dropped or none
+        a = rng.randint(10**18, 2**64 - 1)
+        b = max(1, (POW10[38] + rng.randint(-10**6, 10**6)) // a + rng.choice((0, 1)))
+    elif kind == 1:  # a whole number times a 38-digit weight: 1 to 19 digits dropped
+        a, b = fastMantissa(rng), randomDigits(rng, MAX_DIGITS)
+    elif kind == 2:  # exactly one half dropped
+        a = randomDigits(rng, rng.randint(20, MAX_DIGITS))
+        b = 5 * POW10[rng.randint(0, 37)] if rng.random() < 0.5 else 2 * a + 1
+        b = b if b < POW10[MAX_DIGITS] else POW10[MAX_DIGITS] - 1
+    elif kind == 3:  # rounding up to 10^38
+        a = POW10[MAX_DIGITS] - rng.randint(1, 1000)
+        b = POW10[rng.randint(0, 37)] + rng.choice((0, 1))
+    else:
+        a, b = randomDigits(rng, MAX_DIGITS), randomDigits(rng, rng.randint(1, MAX_DIGITS))
+    if rng.random() < 0.3:  # results near the smallest or the largest exponent
+        target = rng.choice((MIN_EXPONENT, MAX_EXPONENT)) + rng.randint(-40, 40)
+        shift = digitCount(a * b) - MAX_DIGITS
+        ea = rng.randint(MIN_EXPONENT, MAX_EXPONENT)
+        eb = min(MAX_EXPONENT, max(MIN_EXPONENT, target - shift - ea))
+    else:
+        ea, eb = rng.randint(-30, 30), rng.randint(-30, 30)
+    return number(randomSign(rng), a, ea), number(randomSign(rng), b, eb)
+
+
+def pairFastSum(rng):
+    kind = rng.randrange(4)
+    exponent = rng.choice((rng.randint(-20, 20), MIN_EXPONENT, MAX_EXPONENT))
+    if kind == 0:  # aligned 64-bit mantissas, either sign, around 2^63
+        a, b = fastMantissa(rng), fastMantissa(rng)
+        return number(randomSign(rng), a, exponent), number(randomSign(rng), b, exponent)
+    if kind == 1:  # aligned sums carrying past 10^38
+        a = POW10[MAX_DIGITS] - rng.randint(1, 10**6)
+        b = rng.randint(1, 10**7)
+        return number(False, a, exponent), number(False, b, exponent)
+    # exponents one to forty apart, with the smaller operand's cut at exactly one half or next to it
+    gap = rng.randint(1, 40)
+    eb = rng.randint(MIN_EXPONENT, MAX_EXPONENT - gap)
+    big = randomDigits(rng, rng.randint(1, MAX_DIGITS))
+    small = 5 * POW10[min(gap, 37) - 1] + (rng.randint(-1, 1) if kind == 2 else 0)
+    small = max(1, min(small, POW10[MAX_DIGITS] - 1))
+    return number(randomSign(rng), big, eb + gap), number(randomSign(rng), small, eb)
+
+
+FAST_PRODUCTS = pairFastProduct
+FAST_SUMS = pairFastSum
+
+
 def arithmeticCases(name, generator, rng):
     operation = ARITHMETIC_OPERATIONS[name]
     pairs = list(FIXED_PAIRS)
@@ -862,6 +918,10 @@ def main():
         ("div", lambda rng: arithmeticCases("div", DIVIDE, rng)),
         ("round", roundCases),
         ("text", textCases),
+        # Appended, so that the cases above keep their seeds.
+        ("add, fast paths", lambda rng: arithmeticCases("add", FAST_SUMS, rng)),
+        ("sub, fast paths", lambda rng: arithmeticCases("sub", FAST_SUMS, rng)),
+        ("mul, fast paths", lambda rng: arithmeticCases("mul", FAST_PRODUCTS, rng)),
     ]
     ok = True
     # The driver runs for one operation while the next one's cases are being generated.
