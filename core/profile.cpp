@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iterator>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -167,6 +168,80 @@ std::vector<Evaluation> mergedFromTheBack(std::size_t count, const At& at, int e
     return merged;
 }
 
+// A whole number written with exponent zero, the form every sum and product of dice faces
+// keeps; its value is then its mantissa, and equal values have equal representations.
+bool isPlainInteger(const Decimal& quantity, std::int64_t& value) noexcept {
+    constexpr std::uint64_t kLimit = std::uint64_t{1} << 62;
+    if (quantity.isNotANumber() || quantity.exponent() != 0 || quantity.mantissaHigh() != 0 ||
+        quantity.mantissaLow() >= kLimit) {
+        return false;
+    }
+    const auto magnitude = static_cast<std::int64_t>(quantity.mantissaLow());
+    value = quantity.isNegative() ? -magnitude : magnitude;
+    return true;
+}
+
+// The sort and the walk from the back by index, for lists whose defined quantities are plain
+// integers in a range not much wider than the list, at a non-negative error (which never
+// joins distinct integers: rounding them to whole numbers or finer leaves them apart). Equal
+// quantities then form one group each, in list order, and the walk adds a group's weights
+// from its last element to its first: sum := earlier weight + sum. Going through the list
+// backwards forms exactly those sums in that order, and the undefined outcomes form their own
+// group, which sorts first. Gives nothing for any other list.
+std::optional<std::vector<Evaluation>> mergedByIndex(const std::vector<Evaluation>& list,
+                                                     int error) {
+    if (error < 0 || list.size() < 2) {
+        return std::nullopt;
+    }
+    std::int64_t low = 0;
+    std::int64_t high = 0;
+    bool anyDefined = false;
+    for (const Evaluation& evaluation : list) {
+        std::int64_t value = 0;
+        if (evaluation.quantity().isNotANumber()) {
+            continue;
+        }
+        if (!isPlainInteger(evaluation.quantity(), value)) {
+            return std::nullopt;
+        }
+        low = anyDefined ? std::min(low, value) : value;
+        high = anyDefined ? std::max(high, value) : value;
+        anyDefined = true;
+    }
+    const auto width = static_cast<std::uint64_t>(high - low) + 1;
+    if (width > 4 * static_cast<std::uint64_t>(list.size()) + 64) {
+        return std::nullopt;
+    }
+    std::vector<Decimal> sums(anyDefined ? width : 0);
+    std::vector<unsigned char> used(sums.size());
+    Decimal undefinedSum;
+    bool anyUndefined = false;
+    for (auto it = list.rbegin(); it != list.rend(); ++it) {
+        const Decimal& weight = it->weight();
+        std::int64_t value = 0;
+        if (!isPlainInteger(it->quantity(), value)) {
+            undefinedSum = anyUndefined ? weight + undefinedSum : weight;
+            anyUndefined = true;
+            continue;
+        }
+        const auto slot = static_cast<std::size_t>(value - low);
+        sums[slot] = used[slot] != 0 ? weight + sums[slot] : weight;
+        used[slot] = 1;
+    }
+    std::vector<Evaluation> merged;
+    merged.reserve(list.size());
+    if (anyUndefined) {
+        merged.emplace_back(Decimal::notANumber(), undefinedSum);
+    }
+    for (std::size_t slot = 0; slot < sums.size(); ++slot) {
+        if (used[slot] != 0) {
+            const std::int64_t value = low + static_cast<std::int64_t>(slot);
+            merged.emplace_back(Decimal::decimalNumberWithInteger(value), sums[slot]);
+        }
+    }
+    return merged;
+}
+
 // The stored outcomes, or the single undefined outcome an empty profile stands for.
 std::span<const Evaluation> outcomesOrStandIn(const std::vector<Evaluation>& evaluations,
                                               const Evaluation& standIn) {
@@ -320,10 +395,15 @@ void Profile::condense(std::size_t sortedCount) {
     const auto middle = std::is_sorted_until(sortedBegin, list.end(), quantityLess);
     std::vector<std::uint32_t> order;
     if (middle != list.end()) {
-        // A few outcomes added to a long sorted list merge in; anything else sorts afresh.
+        // A few outcomes added to a long sorted list merge in; anything else sorts afresh,
+        // by index where the quantities allow.
         if (static_cast<std::size_t>(list.end() - middle) * 8 < list.size()) {
             std::stable_sort(middle, list.end(), quantityLess);
             std::inplace_merge(list.begin(), middle, list.end(), quantityLess);
+        } else if (auto merged = mergedByIndex(list, m_error)) {
+            list = std::move(*merged);
+            m_isCondensed = true;
+            return;
         } else {
             order = stableOrder(list);
         }

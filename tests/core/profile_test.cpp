@@ -652,6 +652,43 @@ TEST(ProfileProperty, IncrementalCondenseMatchesAFullSortAndMerge) {
     }
 }
 
+// Lists of whole numbers, as combinations of dice produce them: duplicates in every order,
+// undefined outcomes, negatives, zero, non-positive weights and 38-digit weights whose last
+// digit shows the order of summation; dense and sparse ranges, errors of either sign.
+TEST(ProfileProperty, WholeNumberListsCondenseAsTheFullSortAndMerge) {
+    std::mt19937 engine(20261123);
+    const auto number = [&engine](int low, int high) {
+        return std::uniform_int_distribution<>(low, high)(engine);
+    };
+    for (int run = 0; run < 400; ++run) {
+        const int spread = run % 5 == 0 ? 100000 : number(0, 40);
+        const int count = number(2, 300);
+        const int error = run % 7 == 0 ? number(-3, -1) : number(0, 12);
+        std::vector<Evaluation> list;
+        for (int i = 0; i < count; ++i) {
+            const int kind = number(0, 19);
+            const Decimal quantity =
+                kind == 0 ? Decimal::notANumber()
+                          : Decimal::decimalNumberWithInteger(number(-spread / 3, spread));
+            const int weightKind = number(0, 9);
+            Decimal weight = Decimal::one() / Decimal::decimalNumberWithInteger(number(3, 97));
+            if (weightKind == 0) {
+                weight = Decimal::decimalNumberWithInteger(number(-1, 0));
+            } else if (weightKind <= 2) {
+                weight = Decimal::decimalNumberWithInteger(number(1, 9));
+            } else if (weightKind == 3) {
+                weight = weight * weight * weight;
+            }
+            list.emplace_back(quantity, weight);
+        }
+        Profile profile;
+        profile.setError(error);
+        profile.addEvaluations(list);
+        ASSERT_EQ(spellingsOf(profile.evaluations()), spellingsOf(referenceCondense(list, error)))
+            << "run " << run;
+    }
+}
+
 TEST(ProfileProperty, InvariantHoldsAfterEveryOperation) {
     const RelationKernel split = [](const Decimal& a, const Decimal& b) {
         return std::vector<Evaluation>{{a, dec("0.25")}, {b, dec("0.75")}};
