@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "core/calculation_limits.h"
+#include "core/decimal.h"
 
 namespace talvex::language {
 
@@ -138,6 +140,23 @@ void DiceExpression::checkChainWork(std::int64_t fromCount, const RequestContext
     context.reserveOutcomes(outcomes);
 }
 
+void DiceExpression::refuseCertainUnderflow() const {
+    // The lowest (or highest) total of x dice comes only from every die showing its lowest
+    // (highest) face, so its weight is p^x, formed step by step with a relative error far
+    // below 1E-30 until it nears 1E-128. From there each step rounds to whole multiples of
+    // 1E-128, adding at most half of one: with p <= 0.45 the stored multiple m becomes at most
+    // p^j m + 0.5 / (1 - p) < p^j m + 0.91, which rounds to zero, a fault, once the exact value
+    // is below 0.09E-128. A chance of one half would never get there (0.5E-128 rounds up), so
+    // only dice well below it are refused, and only with a margin: p^x <= 1E-129.5.
+    constexpr double kLargestChance = 0.45;
+    constexpr double kCertainDigits = 129.5;
+    const double chance = extremeFaceChance();
+    if (chance <= kLargestChance &&
+        static_cast<double>(m_x) * -std::log10(chance) >= kCertainDigits) {
+        throw core::DecimalError(core::DecimalFault::Underflow);
+    }
+}
+
 void DiceExpression::makeOneDie() {
     checkDiceCount();
     if (m_x == 0 || m_y == 0) {
@@ -166,6 +185,7 @@ void DiceExpression::makeProfile(RequestContext& context) {
         --known;
     }
     checkChainWork(known, context);
+    refuseCertainUnderflow();
     for (std::int64_t count = known + 1; count < m_x - 1; ++count) {
         static_cast<void>(expressionWithString(diceText(count, notation, m_y), context));
     }
@@ -184,6 +204,8 @@ ExpressionPointer XdyExpression::create() { return makeBlank<XdyExpression>(); }
 
 std::int64_t XdyExpression::singleDieOutcomes() const noexcept { return std::max(m_y, 1); }
 
+double XdyExpression::extremeFaceChance() const noexcept { return m_y >= 2 ? 1.0 / m_y : 1.0; }
+
 void XdyExpression::makeSingleDie() { ownProfile().setEvaluations(faces(m_y)); }
 
 bool XcyExpression::isExpressionString(std::string_view text) {
@@ -193,6 +215,10 @@ ExpressionPointer XcyExpression::create() { return makeBlank<XcyExpression>(); }
 
 std::int64_t XcyExpression::singleDieOutcomes() const noexcept {
     return m_y >= 1 && m_y <= 9 ? 2 : 1;
+}
+
+double XcyExpression::extremeFaceChance() const noexcept {
+    return m_y >= 1 && m_y <= 9 ? std::min(m_y, 10 - m_y) / 10.0 : 1.0;
 }
 
 void XcyExpression::makeSingleDie() {
@@ -213,6 +239,10 @@ std::int64_t XpyExpression::singleDieOutcomes() const noexcept {
     return m_y >= 1 && m_y <= 99 ? 2 : 1;
 }
 
+double XpyExpression::extremeFaceChance() const noexcept {
+    return m_y >= 1 && m_y <= 99 ? std::min(m_y, 100 - m_y) / 100.0 : 1.0;
+}
+
 void XpyExpression::makeSingleDie() {
     if (m_y <= 99) {
         ownProfile().addQuantity(Decimal::one(), Decimal::decimalNumberWithInteger(m_y));
@@ -229,6 +259,9 @@ ExpressionPointer XvyExpression::create() { return makeBlank<XvyExpression>(); }
 
 std::int64_t XvyExpression::singleDieOutcomes() const noexcept { return std::min(m_y, 10) + 1; }
 
+// The highest face has one chance in ten whatever the size.
+double XvyExpression::extremeFaceChance() const noexcept { return m_y >= 1 ? 0.1 : 1.0; }
+
 void XvyExpression::makeSingleDie() {
     m_y = std::min(m_y, 10);
     std::vector<Evaluation> list = faces(m_y);
@@ -243,6 +276,9 @@ bool XwyExpression::isExpressionString(std::string_view text) {
 ExpressionPointer XwyExpression::create() { return makeBlank<XwyExpression>(); }
 
 std::int64_t XwyExpression::singleDieOutcomes() const noexcept { return std::min(m_y, 100) + 1; }
+
+// The highest face has one chance in a hundred whatever the size.
+double XwyExpression::extremeFaceChance() const noexcept { return m_y >= 1 ? 0.01 : 1.0; }
 
 void XwyExpression::makeSingleDie() {
     m_y = std::min(m_y, 100);

@@ -44,10 +44,15 @@ class DiceExpression : public Expression {
     // Refuses at once a chain whose remaining steps, from `fromCount` dice on, would combine
     // more outcome pairs than the request has left, or hold more outcomes than it may.
     void checkChainWork(std::int64_t fromCount, const RequestContext& context) const;
+    // Refuses at once a chain certain to leave the 38-digit range.
+    void refuseCertainUnderflow() const;
     // One die of this notation alone.
     void makeOneDie();
     // The outcomes of one die of this notation at the current size.
     [[nodiscard]] virtual std::int64_t singleDieOutcomes() const noexcept { return 1; }
+    // The smaller of the chances of a single die's lowest and highest face; one for a die with
+    // a single outcome.
+    [[nodiscard]] virtual double extremeFaceChance() const noexcept { return 1.0; }
 
     std::int32_t m_x = 0;
     std::int32_t m_y = 0;
@@ -64,6 +69,7 @@ class XdyExpression : public DiceExpression {
     [[nodiscard]] char letter() const noexcept override { return 'd'; }
     void makeSingleDie() override;
     [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
+    [[nodiscard]] double extremeFaceChance() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XdyExpressionF;
     }
@@ -80,6 +86,7 @@ class XcyExpression : public DiceExpression {
     [[nodiscard]] char letter() const noexcept override { return 'c'; }
     void makeSingleDie() override;
     [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
+    [[nodiscard]] double extremeFaceChance() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XcyExpressionF;
     }
@@ -96,6 +103,7 @@ class XpyExpression : public DiceExpression {
     [[nodiscard]] char letter() const noexcept override { return 'p'; }
     void makeSingleDie() override;
     [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
+    [[nodiscard]] double extremeFaceChance() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XpyExpressionF;
     }
@@ -112,6 +120,7 @@ class XvyExpression : public DiceExpression {
     [[nodiscard]] char letter() const noexcept override { return 'v'; }
     void makeSingleDie() override;
     [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
+    [[nodiscard]] double extremeFaceChance() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XvyExpressionF;
     }
@@ -128,6 +137,7 @@ class XwyExpression : public DiceExpression {
     [[nodiscard]] char letter() const noexcept override { return 'w'; }
     void makeSingleDie() override;
     [[nodiscard]] std::int64_t singleDieOutcomes() const noexcept override;
+    [[nodiscard]] double extremeFaceChance() const noexcept override;
     [[nodiscard]] core::FunctionKernel combiningFunction() const noexcept override {
         return XwyExpressionF;
     }

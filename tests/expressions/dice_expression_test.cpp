@@ -264,6 +264,79 @@ TEST(DiceExpression, RandomTextsOnlyFailWithReportableFaults) {
     }
 }
 
+TEST(DiceExpression, ChainsCertainToUnderflowAreRefusedBeforeAnyWork) {
+    for (const char* text :
+         {"200d6", "167d6", "1000d6", "130c9", "130c1", "65p1", "65w7", "130v10", "374p45"}) {
+        ExpressionDictionary expressions;
+        RequestContext context(expressions);
+        try {
+            static_cast<void>(Expression::expressionWithString(text, context));
+            ADD_FAILURE() << text << " was calculated";
+        } catch (const core::DecimalError& error) {
+            EXPECT_EQ(error.fault(), core::DecimalFault::Underflow) << text;
+        }
+        EXPECT_TRUE(expressions.empty()) << text;
+    }
+}
+
+TEST(DiceExpression, ChainsThatMightStayInRangeAreCalculated) {
+    // Chances of one half settle at 1E-128 instead of vanishing; 165d6 ends just above it.
+    for (const char* text : {"1000d2", "600c5", "165d6"}) {
+        ExpressionDictionary expressions;
+        RequestContext context(expressions);
+        EXPECT_NO_THROW(static_cast<void>(Expression::expressionWithString(text, context))) << text;
+    }
+}
+
+// At the first count refused at once, the count below it either fails on its own or fails on
+// one more die: the refusal only ever says what the calculation would have said.
+struct RefusalEdge {
+    const char* notation;
+    int firstRefused;
+};
+
+class RefusedChain : public ::testing::TestWithParam<RefusalEdge> {};
+
+TEST_P(RefusedChain, WouldHaveUnderflowedOneDieLater) {
+    const auto [notation, firstRefused] = GetParam();
+    const std::string refused = std::to_string(firstRefused) + notation;
+    const std::string below = std::to_string(firstRefused - 1) + notation;
+    {
+        ExpressionDictionary expressions;
+        RequestContext context(expressions);
+        EXPECT_THROW(static_cast<void>(Expression::expressionWithString(refused, context)),
+                     core::DecimalError);
+        EXPECT_TRUE(expressions.empty()) << refused;
+    }
+    ExpressionDictionary expressions;
+    RequestContext context(expressions);
+    core::Profile chain;
+    try {
+        chain = Expression::expressionWithString(below, context)->profile();
+    } catch (const core::DecimalError& error) {
+        EXPECT_EQ(error.fault(), core::DecimalFault::Underflow) << below;
+        EXPECT_FALSE(expressions.empty()) << below << " was refused rather than calculated";
+        return;
+    }
+    const core::Profile die =
+        Expression::expressionWithString(std::string("1") + notation, context)->profile();
+    try {
+        chain.assimilateProfile(die, DiceExpressionF);
+        ADD_FAILURE() << refused << " would have been calculated";
+    } catch (const core::DecimalError& error) {
+        EXPECT_EQ(error.fault(), core::DecimalFault::Underflow) << refused;
+    }
+}
+
+// The first counts with p^x <= 1E-129.5 for the chance p of the rarer extreme face.
+INSTANTIATE_TEST_SUITE_P(Dice, RefusedChain,
+                         ::testing::Values(RefusalEdge{"d3", 272}, RefusalEdge{"d6", 167},
+                                           RefusalEdge{"d20", 100}, RefusalEdge{"c1", 130},
+                                           RefusalEdge{"c9", 130}, RefusalEdge{"c4", 326},
+                                           RefusalEdge{"p1", 65}, RefusalEdge{"p45", 374},
+                                           RefusalEdge{"v1", 130}, RefusalEdge{"v10", 130},
+                                           RefusalEdge{"w1", 65}, RefusalEdge{"w37", 65}));
+
 TEST(DiceExpression, ChainsTooLongToCombineAreRefusedBeforeAnyWork) {
     // Two-sided dice never underflow (their smallest chances round to 1E-128), so the work
     // bound is what ends them; so too for hundreds of dice of hundreds of faces.
