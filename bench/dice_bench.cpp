@@ -1,6 +1,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/bench_support.h"
+#include "core/decimal.h"
 #include "expressions/expression.h"
 
 namespace {
@@ -13,7 +14,23 @@ using talvex::bench::buildCold;
 
 void BM_Dice_3d6(benchmark::State& state) { buildCold(state, "3d6"); }
 void BM_Dice_10d6(benchmark::State& state) { buildCold(state, "10d6"); }
+void BM_Dice_50d6(benchmark::State& state) { buildCold(state, "50d6"); }
 void BM_Dice_100d6(benchmark::State& state) { buildCold(state, "100d6"); }
+
+// A chain certain to leave the 38-digit range, refused before any of it is built.
+void BM_Refuse_200d6(benchmark::State& state) {
+    for (auto _ : state) {
+        ExpressionDictionary expressions;
+        RequestContext context(expressions);
+        try {
+            auto expression = Expression::expressionWithString("200d6", context);
+            benchmark::DoNotOptimize(expression);
+            state.SkipWithError("200d6 was calculated");
+            break;
+        } catch (const talvex::core::DecimalError&) {
+        }
+    }
+}
 
 // Warm: the dictionary already holds 99d6, so only the last step is built.
 void BM_Dice_100d6_Warm(benchmark::State& state) {
@@ -35,7 +52,9 @@ void BM_Dice_100d6_Warm(benchmark::State& state) {
 
 BENCHMARK(BM_Dice_3d6)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Dice_10d6)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_Dice_50d6)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Dice_100d6)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Refuse_200d6)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Dice_100d6_Warm)->Unit(benchmark::kMillisecond);
 
 }  // namespace

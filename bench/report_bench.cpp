@@ -1,5 +1,8 @@
 #include <benchmark/benchmark.h>
 
+#include <sstream>
+
+#include "cli/json_output.h"
 #include "core/report.h"
 #include "expressions/expression.h"
 
@@ -19,5 +22,17 @@ void BM_Report_100d6(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_Report_100d6)->Unit(benchmark::kMillisecond);
+
+// The command line's JSON line of 100d6: outcomes with weights and probabilities, statistics.
+void BM_Json_100d6(benchmark::State& state) {
+    const Profile profile = talvex::language::Expression::expressionWithString("100d6")->profile();
+    std::ostringstream out;
+    for (auto _ : state) {
+        out.str({});
+        talvex::cli::writeResultJson(out, "100d6", profile, nullptr, "100d6", {});
+        benchmark::DoNotOptimize(out);
+    }
+}
+BENCHMARK(BM_Json_100d6)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -51,11 +51,18 @@ class JsonLine {
         }
     }
 
+    // A number's text, written straight into the block: Decimal texts need no escaping.
+    void decimal(const Decimal& value) {
+        m_block += '"';
+        value.appendStringValue(m_block);
+        raw("\"");
+    }
+
     void quantity(const Decimal& value) {
         if (value.isNotANumber()) {
             raw("null");
         } else {
-            string(value.stringValue());
+            decimal(value);
         }
     }
 
@@ -104,9 +111,11 @@ struct Statistics {
     Decimal values;
 };
 
-Statistics statisticsOf(const core::Profile& profile) {
+Statistics statisticsOf(const core::Profile& profile, const Decimal& total) {
     // A statistic that leaves the 38-digit range (the variance of outcomes near 1E100) is
-    // null like an undefined one; the distribution itself is still printed.
+    // null like an undefined one; the distribution itself is still printed. The total weight
+    // and the mean are worked out once: where one of them fails, every average that starts
+    // from it would have failed too.
     const auto guarded = [](auto statistic) {
         try {
             return statistic();
@@ -114,15 +123,22 @@ Statistics statisticsOf(const core::Profile& profile) {
             return Decimal::notANumber();
         }
     };
-    return {guarded([&] { return profile.mean(); }),
-            guarded([&] { return profile.variance(); }),
-            guarded([&] { return profile.standardDeviation(); }),
-            guarded([&] { return profile.meanDeviation(); }),
-            profile.median(),
-            profile.mode(),
-            profile.modeIncludingUndefined(),
-            profile.range(),
-            profile.values()};
+    const Decimal mean = guarded([&] { return profile.mean(total); });
+    const bool meanFailed = profile.isDefined() && mean.isNotANumber();
+    const auto fromMean = [&](auto statistic) {
+        return meanFailed ? Decimal::notANumber() : guarded(statistic);
+    };
+    const Decimal variance = fromMean([&] { return profile.variance(mean, total); });
+    return {
+        mean,
+        variance,
+        profile.isDefined() ? core::Profile::standardDeviationOf(variance) : Decimal::notANumber(),
+        fromMean([&] { return profile.meanDeviation(mean, total); }),
+        profile.median(),
+        profile.mode(),
+        profile.modeIncludingUndefined(),
+        profile.range(),
+        profile.values()};
 }
 
 // Throws what dividing any of the weights by the total would throw. Weights are never
@@ -220,7 +236,7 @@ void writeResultJson(std::ostream& out, const std::string& expression, const cor
     const Decimal total = profile.totalWeight();
     const std::vector<core::Evaluation> outcomes = profile.evaluations();
     checkProbabilities(outcomes, total);
-    const Statistics statistics = statisticsOf(profile);
+    const Statistics statistics = statisticsOf(profile, total);
 
     JsonLine line(out);
     line.raw("{\"expression\":");
@@ -229,7 +245,7 @@ void writeResultJson(std::ostream& out, const std::string& expression, const cor
     line.raw(",\"comparator\":");
     line.string(profile.comparatorString());
     line.raw(",\"total_weight\":");
-    line.string(total.stringValue());
+    line.decimal(total);
     line.raw(",\"outcomes\":[");
     bool first = true;
     for (const core::Evaluation& outcome : outcomes) {
@@ -237,9 +253,9 @@ void writeResultJson(std::ostream& out, const std::string& expression, const cor
         first = false;
         line.quantity(outcome.quantity());
         line.raw(",\"weight\":");
-        line.string(outcome.weight().stringValue());
+        line.decimal(outcome.weight());
         line.raw(",\"probability\":");
-        line.string((outcome.weight() / total).stringValue());
+        line.decimal(outcome.weight() / total);
         line.raw("}");
     }
     line.raw("],\"statistics\":{\"mean\":");

@@ -141,6 +141,12 @@ class Profile {
     // Square root taken in double precision.
     [[nodiscard]] Decimal standardDeviation() const;
     [[nodiscard]] Decimal meanDeviation() const;
+    // The same, given the total weight (and the mean) that they would work out first, for
+    // callers that need several of them without walking the outcomes again for each.
+    [[nodiscard]] Decimal mean(const Decimal& totalWeight) const;
+    [[nodiscard]] Decimal variance(const Decimal& mean, const Decimal& totalWeight) const;
+    [[nodiscard]] static Decimal standardDeviationOf(const Decimal& variance);
+    [[nodiscard]] Decimal meanDeviation(const Decimal& mean, const Decimal& totalWeight) const;
     // The middle of the distinct defined quantities; weights are not consulted.
     [[nodiscard]] Decimal median() const;
     // The defined quantities of greatest weight (within error), ascending.

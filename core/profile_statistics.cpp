@@ -12,46 +12,71 @@ Decimal Profile::mean() const {
     if (!isDefined()) {
         return Decimal::notANumber();
     }
+    return mean(totalWeight());
+}
+
+Decimal Profile::mean(const Decimal& totalWeight) const {
+    if (!isDefined()) {
+        return Decimal::notANumber();
+    }
     Decimal sum = Decimal::zero();
     for (std::size_t i = definedStart(); i < m_evaluations.size(); ++i) {
         sum = sum + m_evaluations[i].quantity() * m_evaluations[i].weight();
     }
     // The undefined weight counts in the divisor: the mean is over every roll.
-    return sum / totalWeight();
+    return sum / totalWeight;
 }
 
 Decimal Profile::variance() const {
     if (!isDefined()) {
         return Decimal::notANumber();
     }
-    const Decimal average = mean();
+    const Decimal total = totalWeight();
+    return variance(mean(total), total);
+}
+
+Decimal Profile::variance(const Decimal& average, const Decimal& totalWeight) const {
+    if (!isDefined()) {
+        return Decimal::notANumber();
+    }
     Decimal sum = Decimal::zero();
     for (std::size_t i = definedStart(); i < m_evaluations.size(); ++i) {
         const Decimal difference = average - m_evaluations[i].quantity();
         sum = sum + difference * difference * m_evaluations[i].weight();
     }
-    return sum / totalWeight();
+    return sum / totalWeight;
 }
 
 Decimal Profile::standardDeviation() const {
     if (!isDefined()) {
         return Decimal::notANumber();
     }
-    return Decimal::decimalNumberWithDouble(std::sqrt(variance().doubleValue()));
+    return standardDeviationOf(variance());
+}
+
+Decimal Profile::standardDeviationOf(const Decimal& variance) {
+    return Decimal::decimalNumberWithDouble(std::sqrt(variance.doubleValue()));
 }
 
 Decimal Profile::meanDeviation() const {
     if (!isDefined()) {
         return Decimal::notANumber();
     }
-    const Decimal average = mean();
+    const Decimal total = totalWeight();
+    return meanDeviation(mean(total), total);
+}
+
+Decimal Profile::meanDeviation(const Decimal& average, const Decimal& totalWeight) const {
+    if (!isDefined()) {
+        return Decimal::notANumber();
+    }
     Decimal sum = Decimal::zero();
     for (std::size_t i = definedStart(); i < m_evaluations.size(); ++i) {
         const Decimal distance =
             (m_evaluations[i].quantity() - average).absoluteValueChanged(nullptr, nullptr);
         sum = sum + distance * m_evaluations[i].weight();
     }
-    return sum / totalWeight();
+    return sum / totalWeight;
 }
 
 Decimal Profile::median() const {

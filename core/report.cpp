@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "core/diagram.h"
 #include "core/legend.h"
@@ -23,11 +24,31 @@ class StatisticsBlock {
           m_note(optionIsYes(options, "include undefined in statistics") &&
                  !profile.isAlwaysDefined()) {}
 
+    // The averages, each worked out when first asked for and then kept: the total weight and
+    // the mean stand in all four, and a report asks for each more than once.
+    const Decimal& mean() {
+        if (!m_mean) {
+            m_mean = m_profile.mean(total());
+        }
+        return *m_mean;
+    }
+    const Decimal& variance() {
+        if (!m_variance) {
+            m_variance = m_profile.variance(mean(), total());
+        }
+        return *m_variance;
+    }
+    Decimal standardDeviation() {
+        return m_profile.isDefined() ? Profile::standardDeviationOf(variance())
+                                     : Decimal::notANumber();
+    }
+    Decimal meanDeviation() { return m_profile.meanDeviation(mean(), total()); }
+
     // Mean, variance and the two deviations fall back to "undefined" together, when the mean
     // is undefined.
     void average(const char* label, const char* separator, const Decimal& value) {
         begin(label, separator);
-        if (m_profile.mean().isNotANumber()) {
+        if (mean().isNotANumber()) {
             m_writer.undefined();
         } else {
             m_writer.decimal(value, m_precision, "statistic");
@@ -109,7 +130,17 @@ class StatisticsBlock {
     }
     void end() { m_writer.string("\n", "default"); }
 
+    const Decimal& total() {
+        if (!m_total) {
+            m_total = m_profile.totalWeight();
+        }
+        return *m_total;
+    }
+
     const Profile& m_profile;
+    std::optional<Decimal> m_total;
+    std::optional<Decimal> m_mean;
+    std::optional<Decimal> m_variance;
     ReportWriter& m_writer;
     int m_precision;
     int m_modePrecision;
@@ -151,16 +182,16 @@ StyledText statisticsWithOptions(const Profile& profile, const Options& options,
     }
     StatisticsBlock block(profile, options, writer);
     if (optionIsYes(options, "mean")) {
-        block.average("Mean", ":\t\t", profile.mean());
+        block.average("Mean", ":\t\t", block.mean());
     }
     if (optionIsYes(options, "variance")) {
-        block.average("Variance", ":\t\t", profile.variance());
+        block.average("Variance", ":\t\t", block.variance());
     }
     if (optionIsYes(options, "standard deviation")) {
-        block.average("Stand. Dev.", ":\t", profile.standardDeviation());
+        block.average("Stand. Dev.", ":\t", block.standardDeviation());
     }
     if (optionIsYes(options, "mean deviation")) {
-        block.average("Mean Dev.", ":\t", profile.meanDeviation());
+        block.average("Mean Dev.", ":\t", block.meanDeviation());
     }
     if (optionIsYes(options, "range")) {
         block.range();
