@@ -17,6 +17,8 @@ using wide::U256;
 namespace {
 
 constexpr U128 kMantissaLimit = wide::kPow10[Decimal::kMaxDigits];  // 10^38
+static_assert(wide::make128(Decimal::kMantissaLimitHigh, Decimal::kMantissaLimitLow) ==
+              kMantissaLimit);
 
 const char* faultText(DecimalFault fault) noexcept {
     switch (fault) {
@@ -245,8 +247,26 @@ const char* faultText(DecimalFault fault) noexcept {
         return addExact(mBig, exponentBig, digitsBig, negative, mSmall, exponentSmall, sameSign);
     }
     const U128 wideBig = mBig * wide::pow10(widen);
+    U128 whole = 0;
     U128 remainder = 0;
-    const U128 whole = wide::dividePow10Fast(mSmall, split, remainder);
+    if (split == 1) {
+        std::uint64_t r = 0;
+        whole = wide::divide128By10(mSmall, r);
+        remainder = r;
+    } else if (split <= 19) {
+        std::uint64_t r = 0;
+        whole = wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(split)), r);
+        remainder = r;
+    } else {
+        constexpr int kChunk = 19;
+        std::uint64_t low = 0;
+        std::uint64_t high = 0;
+        const U128 partial =
+            wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(kChunk)), low);
+        whole =
+            wide::divide128(partial, static_cast<std::uint64_t>(wide::pow10(split - kChunk)), high);
+        remainder = static_cast<U128>(high) * wide::pow10(kChunk) + low;
+    }
     const U128 half = 5 * wide::pow10(split - 1);
     if (sameSign) {
         const U128 sum = wideBig + whole;

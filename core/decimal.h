@@ -35,6 +35,9 @@ class Decimal {
     static constexpr int kMaxDigits = 38;
     static constexpr int kMinExponent = -128;
     static constexpr int kMaxExponent = 127;
+    // 10^38, the first mantissa too large, as its two 64-bit halves.
+    static constexpr std::uint64_t kMantissaLimitHigh = 0x4B3B4CA85A86C47AULL;
+    static constexpr std::uint64_t kMantissaLimitLow = 0x098A224000000000ULL;
 
     // Zero.
     constexpr Decimal() noexcept = default;
@@ -76,12 +79,15 @@ class Decimal {
     }
 
     [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const {
-        // Whole numbers, and weights of one scale: two mantissas below 2^63 at one exponent and
-        // of one sign add up exactly, below 2^64 and so within 38 digits; nothing rounds.
-        if (m_exponent == other.m_exponent && m_negative == other.m_negative &&
-            (m_hi | other.m_hi) == 0 && ((m_lo | other.m_lo) >> 63) == 0 && !m_nan &&
+        // Whole numbers, and weights of one scale: at one exponent and of one sign, a sum below
+        // 10^38 is exact, so nothing rounds.
+        if (m_exponent == other.m_exponent && m_negative == other.m_negative && !m_nan &&
             !other.m_nan) {
-            return Decimal{0, m_lo + other.m_lo, m_exponent, m_negative, false};
+            const std::uint64_t lo = m_lo + other.m_lo;
+            const std::uint64_t hi = m_hi + other.m_hi + (lo < m_lo ? 1 : 0);
+            if (hi < kMantissaLimitHigh || (hi == kMantissaLimitHigh && lo < kMantissaLimitLow)) {
+                return Decimal{hi, lo, m_exponent, m_negative, false};
+            }
         }
         return addGeneral(other);
     }

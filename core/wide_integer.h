@@ -194,11 +194,11 @@ inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256
     if (x == 0) {
         return 0;
     }
-    // For every bit length b up to 256, floor(b * 1233 / 4096) is the digit count of the
-    // smallest b-bit numbers or one below it, so one comparison settles it, without a branch
-    // to mispredict.
-    const int d = (bitLength(x) * 1233) >> 12;
-    return d + (x >= kPow10[static_cast<std::size_t>(d)] ? 1 : 0);
+    int d = (bitLength(x) * 1233) >> 12;  // floor(bits * log10(2)), never too high
+    while (d < kPow10Count128 && x >= kPow10[static_cast<std::size_t>(d)]) {
+        ++d;
+    }
+    return d;
 }
 
 [[nodiscard]] constexpr int digitCount(const U256& x) noexcept {
@@ -213,18 +213,11 @@ inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256
             break;
         }
     }
-    const int d = (bits * 1233) >> 12;  // the digit count or one below it, as above
-    return d + (compare(x, kPow10Wide[static_cast<std::size_t>(d)]) >= 0 ? 1 : 0);
-}
-
-// The high 128 bits of the 256-bit product a * b.
-[[nodiscard]] constexpr U128 multiplyHigh(U128 a, U128 b) noexcept {
-    const U128 p00 = static_cast<U128>(low(a)) * low(b);
-    const U128 p01 = static_cast<U128>(low(a)) * high(b);
-    const U128 p10 = static_cast<U128>(high(a)) * low(b);
-    const U128 p11 = static_cast<U128>(high(a)) * high(b);
-    const U128 middle = static_cast<U128>(high(p00)) + low(p01) + low(p10);
-    return p11 + high(p01) + high(p10) + high(middle);
+    int d = (bits * 1233) >> 12;
+    while (d < kPow10Count256 && compare(x, kPow10Wide[static_cast<std::size_t>(d)]) >= 0) {
+        ++d;
+    }
+    return d;
 }
 
 // The whole 256-bit product a * b.
@@ -236,51 +229,6 @@ inline constexpr std::array<U256, kPow10Count256> kPow10Wide = makePow10Table256
     const U128 middle = static_cast<U128>(high(p00)) + low(p01) + low(p10);
     const U128 upper = p11 + high(p01) + high(p10) + high(middle);
     return U256{{low(p00), low(middle), low(upper), high(upper)}};
-}
-
-// Division by 10^k (1 <= k <= 38) of any 128-bit n as a multiplication, after Granlund and
-// Montgomery: floor(n / 10^k) = floor((n >> k) / 5^k), and for x < 2^N and d = 5^k with
-// 2^(l-1) < d < 2^l, m = floor(2^(N+l) / d) + 1 gives floor(x / d) = floor(x * m / 2^(N+l)),
-// because m * d - 2^(N+l) <= d <= 2^l. Shifting first leaves N = 128 - k, so m < 2^(N+1)
-// fits 128 bits; and l >= k, so the quotient is the high half shifted by l - k.
-struct Pow10Divisor {
-    U128 magic = 0;
-    int shift = 0;
-};
-
-[[nodiscard]] consteval std::array<Pow10Divisor, kPow10Count128> makePow10Divisors() {
-    std::array<Pow10Divisor, kPow10Count128> table{};
-    U128 five = 1;
-    for (int k = 1; k < kPow10Count128; ++k) {
-        five *= 5;
-        const int l = bitLength(five);  // 5^k is no power of two: 2^(l-1) < 5^k < 2^l
-        const int top = 128 - k + l;
-        // floor(2^top / 5^k) by long division, one bit at a time.
-        U128 quotient = 0;
-        U128 remainder = 0;
-        for (int bit = top; bit >= 0; --bit) {
-            remainder = 2 * remainder + (bit == top ? 1 : 0);
-            if (remainder >= five) {
-                remainder -= five;
-                if (bit >= 128) {
-                    throw "the magic number does not fit 128 bits";
-                }
-                quotient |= U128{1} << bit;
-            }
-        }
-        table[static_cast<std::size_t>(k)] = {quotient + 1, l - k};
-    }
-    return table;
-}
-
-inline constexpr std::array<Pow10Divisor, kPow10Count128> kPow10Divisors = makePow10Divisors();
-
-// floor(n / 10^k) for 1 <= k <= 38 without a hardware division; `rem` gets n mod 10^k.
-[[nodiscard]] constexpr U128 dividePow10Fast(U128 n, int k, U128& rem) noexcept {
-    const Pow10Divisor& divisor = kPow10Divisors[static_cast<std::size_t>(k)];
-    const U128 q = multiplyHigh(n >> k, divisor.magic) >> divisor.shift;
-    rem = n - q * pow10(k);
-    return q;
 }
 
 // Barrett's reduction (Handbook of Applied Cryptography, 14.42) with 64-bit digits for the

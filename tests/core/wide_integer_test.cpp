@@ -8,58 +8,10 @@
 namespace talvex::core::wide {
 namespace {
 
-// Both divisions by powers of ten are checked against what they must give by construction:
+// The division by powers of ten is checked against what it must give by construction:
 // n = q x 10^k + r with r below 10^k has quotient q and remainder r, whatever computes it.
 
 constexpr U128 kAllOnes = ~U128{0};
-
-std::vector<U128> edgeNumerators(int k) {
-    const U128 d = pow10(k);
-    std::vector<U128> values = {0,
-                                1,
-                                d - 1,
-                                d,
-                                d + 1,
-                                5 * pow10(k - 1) - 1,
-                                5 * pow10(k - 1),
-                                5 * pow10(k - 1) + 1,
-                                pow10(38) - 1,
-                                pow10(38),
-                                U128{1} << 127,
-                                (U128{1} << 127) - 1,
-                                kAllOnes,
-                                kAllOnes - 1,
-                                kAllOnes / d * d,
-                                kAllOnes / d * d - 1};
-    return values;
-}
-
-class DividePow10Fast : public ::testing::TestWithParam<int> {};
-
-TEST_P(DividePow10Fast, GivesTheQuotientAndRemainderOfEveryNumerator) {
-    const int k = GetParam();
-    const U128 d = pow10(k);
-    std::mt19937_64 random(static_cast<unsigned>(k));
-    std::vector<U128> numerators = edgeNumerators(k);
-    for (int i = 0; i < 20000; ++i) {
-        // Every bit length, and numbers next to multiples of the divisor.
-        const U128 n = make128(random(), random()) >> (random() % 128);
-        numerators.push_back(n);
-        const U128 multiple = n / d * d;
-        numerators.push_back(multiple);
-        if (multiple != 0) {
-            numerators.push_back(multiple - 1);
-        }
-    }
-    for (const U128 n : numerators) {
-        U128 remainder = 0;
-        const U128 quotient = dividePow10Fast(n, k, remainder);
-        ASSERT_EQ(quotient, n / d) << "k = " << k;
-        ASSERT_EQ(remainder, n % d) << "k = " << k;
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(EveryPower, DividePow10Fast, ::testing::Range(1, 39));
 
 class DivideWideByPow10 : public ::testing::TestWithParam<int> {};
 
@@ -94,7 +46,6 @@ TEST(MultiplyFull, AgreesWithTheLimbByLimbProduct) {
         const U128 b = make128(random(), random()) >> (random() % 128);
         const U256 full = multiplyFull(a, b);
         EXPECT_EQ(compare(full, multiply128(a, b)), 0);
-        EXPECT_EQ(multiplyHigh(a, b), make128(full.limb[3], full.limb[2]));
     }
     const U256 largest = multiplyFull(kAllOnes, kAllOnes);  // 2^256 - 2^129 + 1
     EXPECT_EQ(largest.limb[0], 1U);
