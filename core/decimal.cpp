@@ -703,8 +703,18 @@ Decimal Decimal::decimalRound(int scale, RoundingMode /*mode*/) const {
     const int digits = wide::digitCount(m);
     U128 kept = 0;
     if (drop - 1 < digits) {
-        const U128 shifted = m / wide::pow10(static_cast<int>(drop - 1));
-        kept = shifted / 10 + (shifted % 10 >= 5 ? 1 : 0);
+        // m / 10^(drop - 1) by 64-bit hardware divisions, then the last digit by the
+        // reciprocal: comparing weights within error rounds every one of them.
+        U128 shifted = m;
+        for (int remaining = static_cast<int>(drop - 1); remaining > 0;) {
+            const int step = remaining < 19 ? remaining : 19;
+            std::uint64_t ignored = 0;
+            shifted =
+                wide::divide128(shifted, static_cast<std::uint64_t>(wide::pow10(step)), ignored);
+            remaining -= step;
+        }
+        std::uint64_t lastDigit = 0;
+        kept = wide::divide128By10(shifted, lastDigit) + (lastDigit >= 5 ? 1 : 0);
     }
     if (kept == 0) {
         return zero();

@@ -225,9 +225,9 @@ struct DiagramPlan {
 
 // The layout and scale of a defined profile's diagram at a wanted height above zero.
 DiagramPlan planDiagram(const Profile& profile, const Options& options, DiagramSettings settings,
-                        bool reserveUndefinedLine) {
+                        bool reserveUndefinedLine, ScaledOutcomesCache& cache) {
     DiagramPlan plan;
-    plan.scaled = scaledOutcomes(profile, settings.total, settings.descending);
+    plan.scaled = cache.scaled(settings.total, settings.descending);
     int wanted = settings.height;
     if (settings.shrinkToTable) {
         wanted = static_cast<int>(
@@ -360,8 +360,8 @@ class DiagramWriter {
 
 }  // namespace
 
-StyledText diagramWithOptions(const Profile& profile, const Options* options,
-                              const Styles& styles) {
+StyledText diagramWithOptions(const Profile& profile, const Options* options, const Styles& styles,
+                              ScaledOutcomesCache* cache) {
     ReportWriter out(styles);
     if (options == nullptr) {
         return out.take();
@@ -374,7 +374,9 @@ StyledText diagramWithOptions(const Profile& profile, const Options* options,
     if (settings.height <= 0) {
         return out.take();
     }
-    const DiagramPlan plan = planDiagram(profile, *options, std::move(settings), true);
+    ScaledOutcomesCache own(profile);
+    const DiagramPlan plan =
+        planDiagram(profile, *options, std::move(settings), true, cache != nullptr ? *cache : own);
     DiagramWriter writer(out, plan);
     for (const Segment& segment : plan.layout.segments) {
         writer.dotBlock(segment.between, segment.running - segment.weight);
@@ -396,7 +398,8 @@ int diagramHeightWithOptions(const Profile& profile, const Options* options) {
     if (!profile.isDefined()) {
         return 1;
     }
-    return planDiagram(profile, *options, std::move(settings), false).fit.height;
+    ScaledOutcomesCache cache(profile);
+    return planDiagram(profile, *options, std::move(settings), false, cache).fit.height;
 }
 
 }  // namespace talvex::core

@@ -4,6 +4,7 @@
 #include "core/report_options.h"
 #include "core/styled_text.h"
 #include "core/styles.h"
+#include "core/table.h"
 
 namespace talvex::core {
 
@@ -12,7 +13,8 @@ namespace talvex::core {
 // each block as tall as its weight at one scale chosen to come closest to "diagram height".
 // Empty without options or at height zero; "undefined" for a profile without defined outcomes.
 [[nodiscard]] StyledText diagramWithOptions(const Profile& profile, const Options* options,
-                                            const Styles& styles);
+                                            const Styles& styles,
+                                            ScaledOutcomesCache* cache = nullptr);
 
 // The number of block lines the diagram would have, so that two diagrams can share one height.
 // Zero without options or at height zero, one for a profile without defined outcomes. Unlike

@@ -300,6 +300,17 @@ std::vector<Evaluation> Profile::definedEvaluations() const {
     return result;
 }
 
+Profile Profile::definedProfile() const {
+    Profile result;
+    result.m_evaluations = definedEvaluations();
+    // Leaving out the first outcome of a condensed list keeps it condensed, so a list condensed
+    // at the fresh profile's error is taken as it is, as in withOutcomesOf.
+    if (!(m_isCondensed && m_error == result.m_error)) {
+        result.condense(result.m_evaluations.size());
+    }
+    return result;
+}
+
 void Profile::setTitleString(std::optional<std::string> titleString) {
     if (titleString) {
         m_titleString = std::move(*titleString);

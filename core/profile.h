@@ -54,6 +54,9 @@ class Profile {
     }
     // The outcomes without the undefined one.
     [[nodiscard]] std::vector<Evaluation> definedEvaluations() const;
+    // A fresh profile of the defined outcomes, as setEvaluations(definedEvaluations()) would
+    // make it.
+    [[nodiscard]] Profile definedProfile() const;
 
     [[nodiscard]] const std::string& titleString() const noexcept { return m_titleString; }
     // A missing title is ignored.

@@ -228,13 +228,14 @@ StyledText attributedProfileStringWithOptions(Profile& profile, const Options* g
     if (optionIsYes(options, "statistics")) {
         writer.append(statisticsWithOptions(profile, options, styles));
     }
+    ScaledOutcomesCache scaled(profile);
     if (optionIsYes(options, "table")) {
         section(writer, options, "TABLE:\n\n", "table heading",
-                tableWithOptions(profile, &options, styles));
+                tableWithOptions(profile, &options, styles, &scaled));
     }
     if (optionIsYes(options, "diagram")) {
         section(writer, options, "DIAGRAM:\n\n", "diagram heading",
-                diagramWithOptions(profile, &options, styles));
+                diagramWithOptions(profile, &options, styles, &scaled));
     }
     if (optionIsYes(options, "legend")) {
         section(writer, options, "LEGEND:\n\n", "legend heading",

@@ -253,14 +253,27 @@ ScaledOutcomes scaledOutcomes(const Profile& profile, const Decimal& total, bool
     scaled.definedFraction = scaled.definedTotal / total;
 
     // A fresh profile of the defined outcomes, so that they alone sum to T.
-    Profile defined;
-    defined.setEvaluations(profile.definedEvaluations());
+    Profile defined = profile.definedProfile();
     defined.scaleToTotalWeight(total);
     scaled.outcomes = defined.definedEvaluations();
     if (descending) {
         std::reverse(scaled.outcomes.begin(), scaled.outcomes.end());
     }
     return scaled;
+}
+
+const ScaledOutcomes& ScaledOutcomesCache::scaled(const Decimal& total, bool descending) {
+    // The same total to the bit, not only in value: the scaled weights keep its form.
+    const auto sameForm = [](const Decimal& a, const Decimal& b) {
+        return a.isNotANumber() == b.isNotANumber() && a.isNegative() == b.isNegative() &&
+               a.exponent() == b.exponent() && a.mantissaHigh() == b.mantissaHigh() &&
+               a.mantissaLow() == b.mantissaLow();
+    };
+    if (!m_scaled || m_descending != descending || !sameForm(m_scaled->total, total)) {
+        m_scaled = scaledOutcomes(m_profile, total, descending);
+        m_descending = descending;
+    }
+    return *m_scaled;
 }
 
 std::size_t tableRowLimit(const Profile& profile, const Options& options) {
@@ -280,7 +293,8 @@ void appendWeight(ReportWriter& out, const Decimal& value, int precision, std::s
     }
 }
 
-StyledText tableWithOptions(const Profile& profile, const Options* options, const Styles& styles) {
+StyledText tableWithOptions(const Profile& profile, const Options* options, const Styles& styles,
+                            ScaledOutcomesCache* cache) {
     ReportWriter out(styles);
     if (options == nullptr) {
         return out.take();
@@ -290,7 +304,9 @@ StyledText tableWithOptions(const Profile& profile, const Options* options, cons
         return out.take();
     }
     const TableSettings settings = readSettings(profile, *options);
-    const ScaledOutcomes scaled = scaledOutcomes(profile, settings.total, settings.descending);
+    ScaledOutcomesCache own(profile);
+    const ScaledOutcomes& scaled =
+        (cache != nullptr ? *cache : own).scaled(settings.total, settings.descending);
     const TableGrouping grouping = tableGrouping(scaled.outcomes.size(), settings.maxRows);
     const std::vector<TableRow> rows =
         rowsOf(scaled, grouping.rowSizes, settings.averageBar, settings.descending);

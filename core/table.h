@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -47,6 +48,20 @@ struct ScaledOutcomes {
 [[nodiscard]] ScaledOutcomes scaledOutcomes(const Profile& profile, const Decimal& total,
                                             bool descending);
 
+// The scaled outcomes of one profile, kept for as long as it is not changed, so that the parts
+// of one report that scale it alike (the table and the diagram at one total and direction)
+// scale it once.
+class ScaledOutcomesCache {
+  public:
+    explicit ScaledOutcomesCache(const Profile& profile) : m_profile(profile) {}
+    [[nodiscard]] const ScaledOutcomes& scaled(const Decimal& total, bool descending);
+
+  private:
+    const Profile& m_profile;
+    std::optional<ScaledOutcomes> m_scaled;
+    bool m_descending = false;
+};
+
 // The rows the table allows for defined outcomes: "table max height", one fewer when the
 // profile has undefined outcomes, never below one.
 [[nodiscard]] std::size_t tableRowLimit(const Profile& profile, const Options& options);
@@ -58,7 +73,8 @@ void appendWeight(ReportWriter& out, const Decimal& value, int precision, std::s
 // The profile as a text table, one row per outcome or group of outcomes, under repaired
 // options. Empty without options; "undefined" for a profile without defined outcomes.
 [[nodiscard]] StyledText tableWithOptions(const Profile& profile, const Options* options,
-                                          const Styles& styles);
+                                          const Styles& styles,
+                                          ScaledOutcomesCache* cache = nullptr);
 
 // The heaviest row of the table the same options would draw: its weight is that row's weight
 // (sum, or average with "average bar"), its quantity the smallest outcome of the first such row

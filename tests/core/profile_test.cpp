@@ -689,6 +689,28 @@ TEST(ProfileProperty, WholeNumberListsCondenseAsTheFullSortAndMerge) {
     }
 }
 
+TEST(Profile, DefinedProfileIsTheDefinedOutcomesInstalledAfresh) {
+    for (const int error : {Profile::kDefaultError, 2, 12}) {
+        // Condensed at its own error: 1.00000000001 and 1.000000000011 stay apart only at 12.
+        Profile profile;
+        profile.setError(error);
+        profile.addEvaluations({{Decimal::notANumber(), dec("2")},
+                                {dec("1.001"), dec("1")},
+                                {dec("1.002"), dec("0.5")},
+                                {dec("1.00000000001"), dec("3")},
+                                {dec("1.000000000011"), dec("1")},
+                                {dec("7"), dec("1") / dec("3")}});
+        Profile expected;
+        expected.setEvaluations(profile.definedEvaluations());
+        EXPECT_EQ(spellingsOf(profile.definedProfile().evaluations()),
+                  spellingsOf(expected.evaluations()))
+            << "error " << error;
+        EXPECT_EQ(profile.definedProfile().error(), expected.error());
+    }
+    EXPECT_EQ(spellingsOf(Profile{}.definedProfile().evaluations()),
+              spellingsOf(Profile{}.evaluations()));
+}
+
 TEST(ProfileProperty, InvariantHoldsAfterEveryOperation) {
     const RelationKernel split = [](const Decimal& a, const Decimal& b) {
         return std::vector<Evaluation>{{a, dec("0.25")}, {b, dec("0.75")}};
