@@ -23,19 +23,11 @@
 namespace {
 
 using talvex::cli::testing::CliRun;
+using talvex::cli::testing::linesOf;
 using talvex::cli::testing::quote;
 using talvex::cli::testing::run;
+using talvex::cli::testing::runShell;
 using talvex::language::diagnose;
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    std::string line;
-    while (std::getline(stream, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 // The characters of a UTF-8 text, each as its bytes.
 std::vector<std::string> charactersOf(const std::string& text) {
@@ -119,19 +111,7 @@ CliRun runMerged(const std::vector<std::string>& arguments) {
         command += " " + quote(argument);
     }
     command += " </dev/null 2>&1";
-    CliRun result;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return result;
-    }
-    std::array<char, 4096> buffer{};
-    std::size_t n = 0;
-    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-        result.out.append(buffer.data(), n);
-    }
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
+    return runShell(command);
 }
 
 // Every caret line stands under a line of text; the character above its '^' is `first`.

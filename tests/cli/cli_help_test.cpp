@@ -18,17 +18,8 @@ namespace {
 using talvex::cli::testing::CliProcess;
 using talvex::cli::testing::CliRun;
 using talvex::cli::testing::jsonLines;
+using talvex::cli::testing::linesOf;
 using talvex::cli::testing::run;
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    std::string line;
-    while (std::getline(stream, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 // The help line that starts with two spaces and the term, then a description.
 std::string helpLine(const std::string& help, const std::string& term) {

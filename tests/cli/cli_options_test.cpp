@@ -13,17 +13,8 @@
 namespace {
 
 using talvex::cli::testing::CliRun;
+using talvex::cli::testing::linesOf;
 using talvex::cli::testing::run;
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    std::string line;
-    while (std::getline(stream, line)) {
-        lines.push_back(line);
-    }
-    return lines;
-}
 
 // --- --list-options -------------------------------------------------------------------------
 

@@ -37,6 +37,34 @@ inline std::string quote(const std::string& argument) {
 
 // Runs the binary through the shell with the given arguments (and optional standard input);
 // standard error is discarded unless `captureErrors`, then it is all that is captured.
+// What a shell command writes to its standard output, and its exit status.
+inline CliRun runShell(const std::string& command) {
+    CliRun result;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return result;
+    }
+    std::array<char, 4096> buffer{};
+    std::size_t n = 0;
+    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
+        result.out.append(buffer.data(), n);
+    }
+    const int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+// The lines of a text, without their line breaks.
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    std::string line;
+    while (std::getline(stream, line)) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
 inline CliRun run(const std::vector<std::string>& arguments, const std::string& input = "",
                   bool captureErrors = false) {
     std::string command;
@@ -51,19 +79,7 @@ inline CliRun run(const std::vector<std::string>& arguments, const std::string& 
     if (input.empty()) {
         command += " </dev/null";
     }
-    CliRun result;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return result;
-    }
-    std::array<char, 4096> buffer{};
-    std::size_t n = 0;
-    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-        result.out.append(buffer.data(), n);
-    }
-    const int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return result;
+    return runShell(command);
 }
 
 // What a process started with CliProcess printed, and how it ended.
