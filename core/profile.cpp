@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "core/calculation_limits.h"
+#include "core/merge_by_index.h"
 #include "core/wide_integer.h"
 
 namespace talvex::core {
@@ -165,80 +166,6 @@ std::vector<Evaluation> mergedFromTheBack(std::size_t count, const At& at, int e
     }
     merged.push_back(right);
     std::reverse(merged.begin(), merged.end());
-    return merged;
-}
-
-// A whole number written with exponent zero, the form every sum and product of dice faces
-// keeps; its value is then its mantissa, and equal values have equal representations.
-bool isPlainInteger(const Decimal& quantity, std::int64_t& value) noexcept {
-    constexpr std::uint64_t kLimit = std::uint64_t{1} << 62;
-    if (quantity.isNotANumber() || quantity.exponent() != 0 || quantity.mantissaHigh() != 0 ||
-        quantity.mantissaLow() >= kLimit) {
-        return false;
-    }
-    const auto magnitude = static_cast<std::int64_t>(quantity.mantissaLow());
-    value = quantity.isNegative() ? -magnitude : magnitude;
-    return true;
-}
-
-// The sort and the walk from the back by index, for lists whose defined quantities are plain
-// integers in a range not much wider than the list, at a non-negative error (which never
-// joins distinct integers: rounding them to whole numbers or finer leaves them apart). Equal
-// quantities then form one group each, in list order, and the walk adds a group's weights
-// from its last element to its first: sum := earlier weight + sum. Going through the list
-// backwards forms exactly those sums in that order, and the undefined outcomes form their own
-// group, which sorts first. Gives nothing for any other list.
-std::optional<std::vector<Evaluation>> mergedByIndex(const std::vector<Evaluation>& list,
-                                                     int error) {
-    if (error < 0 || list.size() < 2) {
-        return std::nullopt;
-    }
-    std::int64_t low = 0;
-    std::int64_t high = 0;
-    bool anyDefined = false;
-    for (const Evaluation& evaluation : list) {
-        std::int64_t value = 0;
-        if (evaluation.quantity().isNotANumber()) {
-            continue;
-        }
-        if (!isPlainInteger(evaluation.quantity(), value)) {
-            return std::nullopt;
-        }
-        low = anyDefined ? std::min(low, value) : value;
-        high = anyDefined ? std::max(high, value) : value;
-        anyDefined = true;
-    }
-    const auto width = static_cast<std::uint64_t>(high - low) + 1;
-    if (width > 4 * static_cast<std::uint64_t>(list.size()) + 64) {
-        return std::nullopt;
-    }
-    std::vector<Decimal> sums(anyDefined ? width : 0);
-    std::vector<unsigned char> used(sums.size());
-    Decimal undefinedSum;
-    bool anyUndefined = false;
-    for (auto it = list.rbegin(); it != list.rend(); ++it) {
-        const Decimal& weight = it->weight();
-        std::int64_t value = 0;
-        if (!isPlainInteger(it->quantity(), value)) {
-            undefinedSum = anyUndefined ? weight + undefinedSum : weight;
-            anyUndefined = true;
-            continue;
-        }
-        const auto slot = static_cast<std::size_t>(value - low);
-        sums[slot] = used[slot] != 0 ? weight + sums[slot] : weight;
-        used[slot] = 1;
-    }
-    std::vector<Evaluation> merged;
-    merged.reserve(list.size());
-    if (anyUndefined) {
-        merged.emplace_back(Decimal::notANumber(), undefinedSum);
-    }
-    for (std::size_t slot = 0; slot < sums.size(); ++slot) {
-        if (used[slot] != 0) {
-            const std::int64_t value = low + static_cast<std::int64_t>(slot);
-            merged.emplace_back(Decimal::decimalNumberWithInteger(value), sums[slot]);
-        }
-    }
     return merged;
 }
 
@@ -546,6 +473,12 @@ void Profile::assimilateProfileWithoutNormalizing(const Profile& other, Function
     const std::span<const Evaluation> others = outcomesOrStandIn(other.m_evaluations, otherStandIn);
     checkPairCount(own.size(), others.size());
 
+    if (auto merged = pairsMergedByIndex(own, others, function, m_error)) {
+        m_evaluations = std::move(*merged);
+        m_isCondensed = true;
+        m_scaledWeight = Decimal::one();
+        return;
+    }
     std::vector<Evaluation> product;
     product.reserve(own.size() * others.size());
     for (const Evaluation& a : own) {
