@@ -246,7 +246,7 @@ const char* faultText(DecimalFault fault) noexcept {
     if (exponent < Decimal::kMinExponent || exponent >= Decimal::kMaxExponent || split > 38) {
         return addExact(mBig, exponentBig, digitsBig, negative, mSmall, exponentSmall, sameSign);
     }
-    const U128 wideBig = mBig * wide::pow10(widen);
+    const U128 wideBig = widen == 0 ? mBig : mBig * wide::pow10(widen);
     U128 whole = 0;
     U128 remainder = 0;
     if (split == 1) {
@@ -258,14 +258,16 @@ const char* faultText(DecimalFault fault) noexcept {
         whole = wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(split)), r);
         remainder = r;
     } else {
+        // mSmall < 10^38 < 10^19 * 2^64, so one hardware division by 10^19 leaves a quotient
+        // that fits 64 bits, and a plain 64-bit division finishes the split.
         constexpr int kChunk = 19;
+        constexpr auto kChunkDivisor = static_cast<std::uint64_t>(wide::pow10(kChunk));
         std::uint64_t low = 0;
-        std::uint64_t high = 0;
-        const U128 partial =
-            wide::divide128(mSmall, static_cast<std::uint64_t>(wide::pow10(kChunk)), low);
-        whole =
-            wide::divide128(partial, static_cast<std::uint64_t>(wide::pow10(split - kChunk)), high);
-        remainder = static_cast<U128>(high) * wide::pow10(kChunk) + low;
+        const std::uint64_t partial =
+            wide::divide128By64(wide::high(mSmall), wide::low(mSmall), kChunkDivisor, low);
+        const auto divisor = static_cast<std::uint64_t>(wide::pow10(split - kChunk));
+        whole = partial / divisor;
+        remainder = static_cast<U128>(partial % divisor) * kChunkDivisor + low;
     }
     const U128 half = 5 * wide::pow10(split - 1);
     if (sameSign) {
@@ -309,7 +311,10 @@ const char* faultText(DecimalFault fault) noexcept {
     const bool sameSign = bigNegative == smallNegative;
 
     // Aligned operands need no digit count: both are below 10^38, so their sum fits 128 bits.
-    const int digitsBig = shift == 0 ? 0 : wide::digitCount(mBig);
+    // Products and quotients are mostly 38 digits long; one comparison says so.
+    const int digitsBig = shift == 0                                     ? 0
+                          : mBig >= wide::pow10(Decimal::kMaxDigits - 1) ? Decimal::kMaxDigits
+                                                                         : wide::digitCount(mBig);
     if (shift == 0 || digitsBig + shift <= Decimal::kMaxDigits) {
         // Both fit 128 bits once aligned: the usual case for whole numbers and probabilities.
         const U128 aligned = mBig * wide::pow10(shift);
