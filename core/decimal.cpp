@@ -460,14 +460,14 @@ Decimal Decimal::decimalNumberWithDouble(double value) noexcept {
 }
 
 int Decimal::compareSlow(const Decimal& other) const noexcept {
-    if (m_nan || other.m_nan) {
-        if (m_nan && other.m_nan) {
+    if (isNotANumber() || other.isNotANumber()) {
+        if (isNotANumber() && other.isNotANumber()) {
             return 0;
         }
-        return m_nan ? -1 : 1;
+        return isNotANumber() ? -1 : 1;
     }
-    const int signA = isZero() ? 0 : (m_negative ? -1 : 1);
-    const int signB = other.isZero() ? 0 : (other.m_negative ? -1 : 1);
+    const int signA = isZero() ? 0 : (isNegative() ? -1 : 1);
+    const int signB = other.isZero() ? 0 : (other.isNegative() ? -1 : 1);
     if (signA != signB) {
         return signA < signB ? -1 : 1;
     }
@@ -479,7 +479,7 @@ int Decimal::compareSlow(const Decimal& other) const noexcept {
 }
 
 Decimal Decimal::addGeneral(const Decimal& other) const {
-    if (m_nan || other.m_nan) {
+    if (isNotANumber() || other.isNotANumber()) {
         return notANumber();
     }
     if (other.isZero()) {
@@ -488,31 +488,31 @@ Decimal Decimal::addGeneral(const Decimal& other) const {
     if (isZero()) {
         return other;
     }
-    return addNonzero(*this, other, other.m_negative);
+    return addNonzero(*this, other, other.isNegative());
 }
 
 Decimal Decimal::decimalNumberBySubtracting(const Decimal& other) const {
-    if (m_nan || other.m_nan) {
+    if (isNotANumber() || other.isNotANumber()) {
         return notANumber();
     }
     if (other.isZero()) {
         return *this;
     }
     if (isZero()) {
-        return Decimal{other.m_hi, other.m_lo, other.m_exponent, !other.m_negative, false};
+        return Decimal{other.m_hi, other.m_lo, other.exponent(), !other.isNegative(), false};
     }
-    return addNonzero(*this, other, !other.m_negative);
+    return addNonzero(*this, other, !other.isNegative());
 }
 
 Decimal Decimal::decimalNumberByMultiplyingBy(const Decimal& other) const {
-    if (m_nan || other.m_nan) {
+    if (isNotANumber() || other.isNotANumber()) {
         return notANumber();
     }
     if (isZero() || other.isZero()) {
         return zero();
     }
-    const bool negative = m_negative != other.m_negative;
-    const long exponent = static_cast<long>(m_exponent) + other.m_exponent;
+    const bool negative = isNegative() != other.isNegative();
+    const long exponent = static_cast<long>(this->exponent()) + other.exponent();
     if (m_hi == 0 && other.m_hi == 0) {
         return roundNarrowProduct(static_cast<U128>(m_lo) * other.m_lo, exponent, negative);
     }
@@ -521,7 +521,7 @@ Decimal Decimal::decimalNumberByMultiplyingBy(const Decimal& other) const {
 }
 
 Decimal Decimal::decimalNumberByDividingBy(const Decimal& other) const {
-    if (m_nan || other.m_nan) {
+    if (isNotANumber() || other.isNotANumber()) {
         return notANumber();
     }
     if (other.isZero()) {
@@ -530,7 +530,7 @@ Decimal Decimal::decimalNumberByDividingBy(const Decimal& other) const {
     if (isZero()) {
         return zero();
     }
-    const bool negative = m_negative != other.m_negative;
+    const bool negative = isNegative() != other.isNegative();
     const U128 a = mantissaOf(*this);
     const U128 b = mantissaOf(other);
     const int digitsA = wide::digitCount(a);
@@ -556,13 +556,13 @@ Decimal Decimal::decimalNumberByDividingBy(const Decimal& other) const {
     } else {
         quotient = wide::divideLarge(numerator, b, exact);
     }
-    const long exponent = static_cast<long>(m_exponent) - other.m_exponent - scale;
+    const long exponent = static_cast<long>(this->exponent()) - other.exponent() - scale;
     const Decimal result = roundExact(quotient, exponent, negative);
     return exact ? stripTrailingZeros(result) : result;
 }
 
 Decimal Decimal::decimalNumberByRaisingToPower(unsigned power) const {
-    if (m_nan) {
+    if (isNotANumber()) {
         return notANumber();
     }
     Decimal result = one();
@@ -586,7 +586,7 @@ std::string Decimal::stringValue() const {
 }
 
 void Decimal::appendStringValue(std::string& text) const {
-    if (m_nan) {
+    if (isNotANumber()) {
         text += "NaN";
         return;
     }
@@ -614,14 +614,14 @@ void Decimal::appendStringValue(std::string& text) const {
             *end++ = *p;
         }
     }
-    long exponent = m_exponent;
+    long exponent = this->exponent();
     while (end[-1] == '0') {
         --end;
         ++exponent;
     }
     const long length = end - digits;
     text.reserve(text.size() + static_cast<std::size_t>(length + std::labs(exponent) + 3));
-    if (m_negative) {
+    if (isNegative()) {
         text.push_back('-');
     }
     if (exponent >= 0) {
@@ -640,7 +640,7 @@ void Decimal::appendStringValue(std::string& text) const {
 }
 
 double Decimal::doubleValue() const noexcept {
-    if (m_nan) {
+    if (isNotANumber()) {
         return std::numeric_limits<double>::quiet_NaN();
     }
     if (isZero()) {
@@ -652,39 +652,39 @@ double Decimal::doubleValue() const noexcept {
                                               1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                               1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
     double value = 0.0;
-    if (m < kExactLimit && m_exponent >= -22 && m_exponent <= 22) {
+    if (m < kExactLimit && exponent() >= -22 && exponent() <= 22) {
         // Both factors are exact doubles, so one correctly rounded operation gives the answer.
         const auto mantissa = static_cast<double>(static_cast<std::uint64_t>(m));
-        value = m_exponent >= 0 ? mantissa * kExactPowers[m_exponent]
-                                : mantissa / kExactPowers[-m_exponent];
+        value = exponent() >= 0 ? mantissa * kExactPowers[exponent()]
+                                : mantissa / kExactPowers[-exponent()];
     } else {
         char text[64];
         const std::string digits = make(m, 0, false).stringValue();
         auto* end = std::copy(digits.begin(), digits.end(), text);
         *end++ = 'e';
-        end = std::to_chars(end, text + sizeof text, static_cast<int>(m_exponent)).ptr;
+        end = std::to_chars(end, text + sizeof text, static_cast<int>(exponent())).ptr;
         std::from_chars(text, end, value);
     }
-    return m_negative ? -value : value;
+    return isNegative() ? -value : value;
 }
 
 std::int64_t Decimal::longLongValue() const noexcept {
-    if (m_nan || isZero()) {
+    if (isNotANumber() || isZero()) {
         return 0;
     }
     const U128 m = mantissaOf(*this);
     constexpr U128 kLimit = static_cast<U128>(std::numeric_limits<std::int64_t>::max()) + 1;
     U128 whole = 0;
-    if (m_exponent >= 0) {
-        if (m_exponent >= 20 || m > kLimit / wide::pow10(m_exponent)) {
+    if (exponent() >= 0) {
+        if (exponent() >= 20 || m > kLimit / wide::pow10(exponent())) {
             whole = kLimit;
         } else {
-            whole = m * wide::pow10(m_exponent);
+            whole = m * wide::pow10(exponent());
         }
-    } else if (-m_exponent <= kMaxDigits) {
-        whole = m / wide::pow10(-m_exponent);
+    } else if (-exponent() <= kMaxDigits) {
+        whole = m / wide::pow10(-exponent());
     }
-    if (m_negative) {
+    if (isNegative()) {
         return whole >= kLimit ? std::numeric_limits<std::int64_t>::min()
                                : -static_cast<std::int64_t>(whole);
     }
@@ -699,11 +699,11 @@ int Decimal::intValue() const noexcept {
 }
 
 Decimal Decimal::decimalRound(int scale, RoundingMode /*mode*/) const {
-    if (m_nan || isZero() || m_exponent >= -static_cast<long>(scale)) {
+    if (isNotANumber() || isZero() || exponent() >= -static_cast<long>(scale)) {
         return *this;
     }
     const long target = -static_cast<long>(scale);
-    const long drop = target - m_exponent;  // at least one digit
+    const long drop = target - exponent();  // at least one digit
     const U128 m = mantissaOf(*this);
     const int digits = wide::digitCount(m);
     U128 kept = 0;
@@ -724,7 +724,7 @@ Decimal Decimal::decimalRound(int scale, RoundingMode /*mode*/) const {
     if (kept == 0) {
         return zero();
     }
-    return roundExact(U256::from128(kept), target, m_negative);
+    return roundExact(U256::from128(kept), target, isNegative());
 }
 
 Decimal Decimal::roundToScale(int scale, RoundingMode mode, bool* changed) const {

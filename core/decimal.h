@@ -60,18 +60,17 @@ class Decimal {
     // NaN, infinities and values too large to represent are undefined. Never throws.
     [[nodiscard]] static Decimal decimalNumberWithDouble(double value) noexcept;
 
-    [[nodiscard]] bool isNotANumber() const noexcept { return m_nan; }
-    [[nodiscard]] bool isZero() const noexcept { return !m_nan && m_hi == 0 && m_lo == 0; }
-    [[nodiscard]] bool isNegative() const noexcept { return m_negative; }
+    [[nodiscard]] bool isNotANumber() const noexcept { return (m_tag & kNanBit) != 0; }
+    [[nodiscard]] bool isZero() const noexcept { return !isNotANumber() && m_hi == 0 && m_lo == 0; }
+    [[nodiscard]] bool isNegative() const noexcept { return (m_tag & kNegativeBit) != 0; }
 
     // -1, 0 or +1. Undefined equals undefined and is below every number.
     [[nodiscard]] int compare(const Decimal& other) const noexcept {
         // Sorting profiles compares whole numbers of one sign and exponent over and over.
-        if (!m_nan && !other.m_nan && m_exponent == other.m_exponent &&
-            m_negative == other.m_negative) {
+        if (m_tag == other.m_tag && !isNotANumber()) {
             if (m_hi != other.m_hi || m_lo != other.m_lo) {
                 const bool less = m_hi != other.m_hi ? m_hi < other.m_hi : m_lo < other.m_lo;
-                return (less != m_negative) ? -1 : 1;
+                return (less != isNegative()) ? -1 : 1;
             }
             return 0;
         }
@@ -81,12 +80,11 @@ class Decimal {
     [[nodiscard]] Decimal decimalNumberByAdding(const Decimal& other) const {
         // Whole numbers, and weights of one scale: at one exponent and of one sign, a sum below
         // 10^38 is exact, so nothing rounds.
-        if (m_exponent == other.m_exponent && m_negative == other.m_negative && !m_nan &&
-            !other.m_nan) {
+        if (m_tag == other.m_tag && !isNotANumber()) {
             const std::uint64_t lo = m_lo + other.m_lo;
             const std::uint64_t hi = m_hi + other.m_hi + (lo < m_lo ? 1 : 0);
             if (hi < kMantissaLimitHigh || (hi == kMantissaLimitHigh && lo < kMantissaLimitLow)) {
-                return Decimal{hi, lo, m_exponent, m_negative, false};
+                return Decimal{hi, lo, m_tag};
             }
         }
         return addGeneral(other);
@@ -139,26 +137,36 @@ class Decimal {
     // Raw parts, for tests and for code that needs the representation.
     [[nodiscard]] std::uint64_t mantissaHigh() const noexcept { return m_hi; }
     [[nodiscard]] std::uint64_t mantissaLow() const noexcept { return m_lo; }
-    [[nodiscard]] int exponent() const noexcept { return m_exponent; }
+    [[nodiscard]] int exponent() const noexcept {
+        return static_cast<std::int16_t>(static_cast<std::uint16_t>(m_tag & kExponentMask));
+    }
 
     // Internal: the parts must already be in range (mantissa below 10^38, exponent -128..127).
     constexpr Decimal(std::uint64_t hi, std::uint64_t lo, int exponent, bool negative,
                       bool nan) noexcept
         : m_lo(lo),
           m_hi(hi),
-          m_exponent(static_cast<std::int16_t>(exponent)),
-          m_negative(negative && (hi != 0 || lo != 0)),
-          m_nan(nan) {}
+          m_tag((static_cast<std::uint32_t>(exponent) & kExponentMask) |
+                (negative && (hi != 0 || lo != 0) ? kNegativeBit : 0U) | (nan ? kNanBit : 0U)) {}
 
   private:
     [[nodiscard]] int compareSlow(const Decimal& other) const noexcept;
     [[nodiscard]] Decimal addGeneral(const Decimal& other) const;
 
+    // A sum of one sign and exponent keeps the tag as it is.
+    constexpr Decimal(std::uint64_t hi, std::uint64_t lo, std::uint32_t tag) noexcept
+        : m_lo(lo), m_hi(hi), m_tag(tag) {}
+
+    // The exponent's 16 bits, the sign and the undefined mark share one word, so that a result
+    // is stored as three words and copied as three words. Stored field by field and read back
+    // as one word, it would stall the processor's forwarding of stores to loads.
+    static constexpr std::uint32_t kExponentMask = 0xFFFFU;
+    static constexpr std::uint32_t kNegativeBit = 1U << 16;
+    static constexpr std::uint32_t kNanBit = 1U << 17;
+
     std::uint64_t m_lo = 0;
     std::uint64_t m_hi = 0;
-    std::int16_t m_exponent = 0;
-    bool m_negative = false;
-    bool m_nan = false;
+    std::uint32_t m_tag = 0;
 };
 
 }  // namespace talvex::core
