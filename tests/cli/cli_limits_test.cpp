@@ -2,10 +2,8 @@
 // standard error and status 3, and the expressions after it are still calculated.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -57,23 +55,13 @@ std::vector<LargeText> largeTexts() {
 CliRun runOnInput(const std::string& input, bool captureErrors) {
     char path[] = "/tmp/talvex-limits-XXXXXX";
     const int descriptor = mkstemp(path);
-    CliRun result;
     if (descriptor < 0) {
-        return result;
+        return {};
     }
     close(descriptor);
     std::ofstream(path) << input;
-    const std::string command = std::string("'") + TALVEX_CLI_PATH + "' < '" + path + "'" +
-                                (captureErrors ? " 2>&1 >/dev/null" : " 2>/dev/null");
-    if (FILE* pipe = popen(command.c_str(), "r"); pipe != nullptr) {
-        std::array<char, 4096> buffer{};
-        std::size_t n = 0;
-        while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
-            result.out.append(buffer.data(), n);
-        }
-        const int status = pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
+    const CliRun result = runShell(std::string("'") + TALVEX_CLI_PATH + "' < '" + path + "'" +
+                                   (captureErrors ? " 2>&1 >/dev/null" : " 2>/dev/null"));
     std::remove(path);
     return result;
 }
