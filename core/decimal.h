@@ -63,6 +63,10 @@ class Decimal {
     [[nodiscard]] bool isNotANumber() const noexcept { return (m_tag & kNanBit) != 0; }
     [[nodiscard]] bool isZero() const noexcept { return !isNotANumber() && m_hi == 0 && m_lo == 0; }
     [[nodiscard]] bool isNegative() const noexcept { return (m_tag & kNegativeBit) != 0; }
+    // Above zero (undefined is not), without the general comparison.
+    [[nodiscard]] bool isPositive() const noexcept {
+        return !isNotANumber() && !isZero() && !isNegative();
+    }
 
     // -1, 0 or +1. Undefined equals undefined and is below every number.
     [[nodiscard]] int compare(const Decimal& other) const noexcept {

@@ -22,10 +22,6 @@ bool isPlainInteger(const Decimal& quantity, std::int64_t& value) noexcept {
     return true;
 }
 
-bool isPositive(const Decimal& value) noexcept {
-    return !value.isNotANumber() && !value.isZero() && !value.isNegative();
-}
-
 // Operands written alike give products written alike: the product is a function of the
 // representations.
 bool sameRepresentation(const Decimal& a, const Decimal& b) noexcept {
@@ -119,7 +115,7 @@ std::optional<std::vector<Evaluation>> mergedByIndex(const std::vector<Evaluatio
     IndexedSums sums(low, high, anyDefined);
     for (auto it = list.rbegin(); it != list.rend(); ++it) {
         std::int64_t value = 0;
-        if (!isPositive(it->weight())) {
+        if (!it->weight().isPositive()) {
             continue;
         }
         if (isPlainInteger(it->quantity(), value)) {
@@ -176,7 +172,7 @@ std::optional<std::vector<Evaluation>> pairsMergedByIndex(std::span<const Evalua
                     !sameRepresentation(others[j].weight(), others[j + 1].weight())) {
                     weight = ownWeight * others[j].weight();
                 }
-                if (!isPositive(weight)) {
+                if (!weight.isPositive()) {
                     continue;
                 }
                 const std::int64_t value = values[(i * others.size()) + j];

@@ -34,11 +34,6 @@ bool quantityLess(const Evaluation& left, const Evaluation& right) noexcept {
     return left.compare(right) < 0;
 }
 
-// compare(zero) > 0, without the general comparison.
-bool isPositive(const Decimal& value) noexcept {
-    return !value.isNotANumber() && !value.isZero() && !value.isNegative();
-}
-
 // A quantity's place in the Decimal order as plain integers, so that a long list sorts without
 // a Decimal comparison per step: the class (undefined, negative, zero, positive) with the
 // position of the leading digit, then the digits scaled to 38 places, both inverted for
@@ -268,7 +263,7 @@ void Profile::addQuantity(const Decimal& quantity, const Decimal& weight) {
 void Profile::addEvaluation(const Evaluation& evaluation) {
     if (m_isCondensed) {
         // A non-positive weight would be dropped at once and leave the list as it was.
-        if (isPositive(evaluation.weight())) {
+        if (evaluation.weight().isPositive()) {
             insertIntoCondensed(evaluation);
         }
         return;
@@ -316,7 +311,7 @@ void Profile::condense(std::size_t sortedCount) {
     std::size_t kept = 0;
     std::size_t keptSorted = 0;
     for (std::size_t i = 0; i < list.size(); ++i) {
-        if (isPositive(list[i].weight())) {
+        if (list[i].weight().isPositive()) {
             if (kept != i) {
                 list[kept] = std::move(list[i]);
             }
@@ -434,7 +429,7 @@ std::size_t Profile::definedStart() const noexcept { return isAlwaysDefined() ? 
 void Profile::scale(const Decimal& factor) {
     for (Evaluation& evaluation : m_evaluations) {
         evaluation.scale(factor);
-        if (!isPositive(evaluation.weight())) {
+        if (!evaluation.weight().isPositive()) {
             m_isCondensed = false;
         }
     }

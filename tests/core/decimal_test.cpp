@@ -35,6 +35,15 @@ TEST(Decimal, UndefinedComparesBelowEveryNumber) {
     EXPECT_EQ(Decimal::notANumber().compare(d("-1E160")), -1);
 }
 
+TEST(Decimal, OnlyNumbersAboveZeroArePositive) {
+    EXPECT_TRUE(d("1E-128").isPositive());
+    EXPECT_TRUE(d("0.5").isPositive());
+    EXPECT_FALSE(Decimal::zero().isPositive());
+    EXPECT_FALSE(d("-0").isPositive());
+    EXPECT_FALSE(d("-1E-128").isPositive());
+    EXPECT_FALSE(Decimal::notANumber().isPositive());
+}
+
 TEST(Decimal, ValuesCompareByNumberNotRepresentation) {
     EXPECT_EQ(d("2").compare(d("2.000")), 0);
     EXPECT_EQ(d("1").compare(d("10E-1")), 0);
